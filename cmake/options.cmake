@@ -1,0 +1,28 @@
+# How everything is compiled and linked, as two INTERFACE targets: onu_options for every target,
+# onu_unit for the two executables that go onto a unit.
+
+add_library(onu_options INTERFACE)
+target_include_directories(onu_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_definitions(onu_options INTERFACE _GNU_SOURCE _FILE_OFFSET_BITS=64)
+target_compile_options(onu_options INTERFACE
+  -Wall -Wextra -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Wundef -Werror
+  -ffunction-sections -fdata-sections)
+
+if(ONU_SANITIZE)
+  target_compile_options(onu_options INTERFACE
+    -fsanitize=${ONU_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(onu_options INTERFACE -fsanitize=${ONU_SANITIZE})
+else()
+  target_compile_options(onu_options INTERFACE
+    -fstack-protector-strong "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
+
+# Static and at a fixed address: a position-independent executable relocates itself at every start,
+# which is most of what a request of ours would cost.
+add_library(onu_unit INTERFACE)
+target_link_libraries(onu_unit INTERFACE onu_options)
+target_link_options(onu_unit INTERFACE -Wl,--gc-sections -Wl,-z,relro -Wl,-z,now)
+if(NOT ONU_SANITIZE)
+  target_link_options(onu_unit INTERFACE -static -no-pie)
+endif()
+

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "frontend/request_process.h"
+
+namespace onu {
+
+// Every command of the unit: the one list of numbers, names and processors.
+extern const CommandTable kCommands;
+
+}  // namespace onu

@@ -1,0 +1,115 @@
+#include "frontend/web_data_comm.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+#include "frontend/debug_trace.h"
+#include "frontend/fd.h"
+#include "frontend/query.h"
+#include "frontend/upload.h"
+
+namespace onu {
+namespace {
+
+constexpr std::uint32_t kMaxUpload = 0x1000000;  // bytes
+
+std::string_view queryString() {
+  const char* const text = std::getenv("QUERY_STRING");
+  return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
+// Grows with what arrives: the announced length is the client's claim, not a size to allocate.
+std::string readBody(std::uint32_t length) {
+  constexpr std::size_t kStep = 4096;
+  std::string body;
+  while (body.size() < length) {
+    const std::size_t before = body.size();
+    const std::size_t want = std::min<std::size_t>(length - before, std::max(before, kStep));
+    body.resize(before + want);
+    const std::size_t got = readFully(STDIN_FILENO, &body[before], want);
+    if (got < want) {
+      body.resize(before + got);
+      break;
+    }
+  }
+  return body;
+}
+
+}  // namespace
+
+WebDataComm& WebDataComm::getInstance() {
+  static WebDataComm* const instance = [] {
+    debugTrace("WebDataComm  getInstance is starting !");
+    return new WebDataComm;
+  }();
+  return *instance;
+}
+
+int WebDataComm::readRequestMethod(std::uint32_t& length, RequestMethod& method) const {
+  const char* const name = std::getenv("REQUEST_METHOD");
+  if (name == nullptr) {
+    debugTrace("get REQUEST_METHOD is return NUll");
+    return -1;
+  }
+  const std::string_view verb = name;
+  if (verb == "POST") {
+    method = RequestMethod::kPost;
+    if (const char* const announced = std::getenv("CONTENT_LENGTH")) {
+      length = static_cast<std::uint32_t>(toNumber(announced));
+    }
+  } else if (verb == "GET") {
+    method = RequestMethod::kGet;
+    length = static_cast<std::uint32_t>(queryString().size());
+  }
+  return 0;
+}
+
+int WebDataComm::readRequestText(std::string& text) const {
+  std::uint32_t length = 0;
+  RequestMethod method = RequestMethod::kNone;
+  if (readRequestMethod(length, method) != 0) {
+    return -1;
+  }
+  text.clear();
+  if (method == RequestMethod::kPost) {
+    text = readBody(length);
+    text.resize(std::min(text.find('\0'), text.size()));
+    debugTrace("  method = post");
+  } else if (method == RequestMethod::kGet) {
+    text = queryString();
+    debugTrace("  method = get");
+  }
+  return 0;
+}
+
+int WebDataComm::readContentType(ContentType& type) const {
+  const char* const value = std::getenv("CONTENT_TYPE");
+  if (value == nullptr) {
+    debugTrace("content type is Null");
+    return -1;
+  }
+  constexpr std::string_view kCompared = std::string_view("multipart/form-data").substr(0, 16);
+  const bool multipart = std::string_view(value).substr(0, kCompared.size()) == kCompared;
+  type = multipart ? ContentType::kMultipart : ContentType::kForm;
+  debugTrace("content type is %d", static_cast<int>(type));
+  return 0;
+}
+
+int WebDataComm::receiveFile(const char* path) {
+  std::uint32_t length = 0;
+  RequestMethod method = RequestMethod::kNone;
+  if (readRequestMethod(length, method) != 0 || length - 1 >= kMaxUpload) {
+    return -1;
+  }
+  const Fd target = Fd::open(path, O_RDWR | O_CREAT | O_TRUNC);
+  if (!target) {
+    return -1;
+  }
+  UploadReader upload(target.get(), area_);
+  return upload.read(STDIN_FILENO, length) ? 0 : -1;
+}
+
+}  // namespace onu

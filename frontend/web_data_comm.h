@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace onu {
+
+enum class RequestMethod : std::int32_t { kNone = 0, kPost = 1, kGet = 2 };
+enum class ContentType : std::int32_t { kForm = 1, kMultipart = 2 };
+
+// Reads the request of this process from the CGI environment and standard input. The operations
+// return 0, or -1 as each says; none of them sends anything to the client.
+class WebDataComm {
+ public:
+  // Created on first use, never destroyed.
+  static WebDataComm& getInstance();
+
+  // `length` becomes the announced length of the body (POST) or the length of the query string
+  // (GET), in bytes; any other method leaves both as they are. -1 when REQUEST_METHOD is not set.
+  int readRequestMethod(std::uint32_t& length, RequestMethod& method) const;
+
+  // The query string of a GET or the body of a POST, up to its first zero byte. A body that ends
+  // before its announced length is taken as far as it goes, and memory is taken for no more than
+  // that. -1 when the method cannot be read.
+  int readRequestText(std::string& text) const;
+
+  // Only the first 16 characters of the type count. -1 when CONTENT_TYPE is not set.
+  int readContentType(ContentType& type) const;
+
+  // Stores the file of a multipart/form-data body at `path`. -1 for an empty body or one above
+  // 16 MiB (`path` is then not touched), and when `path` cannot be written or the body is shorter
+  // than announced (`path` then holds what came until then).
+  int receiveFile(const char* path);
+
+  // Where the last received file would lie by its client's name: "/var/" and the name's end. For
+  // diagnosis only, it decides nothing.
+  const char* storedName() const { return area_.data(); }
+
+ private:
+  WebDataComm() = default;
+
+  std::array<char, 256> area_{};
+};
+
+}  // namespace onu
