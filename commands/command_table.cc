@@ -2,12 +2,14 @@
 
 #include <array>
 
+#include "commands/optical_readings.h"
 #include "commands/pon_counters.h"
 
 namespace onu {
 namespace {
 
 constexpr std::array kRows = {
+    Command{3, "optical readings", getOpticalReadings},
     Command{8, "PON counters", getPonCounters},
 };
 

@@ -49,9 +49,7 @@ void CgiLog::formatTimeStamp(char* stamp) {
   }
   std::memset(stamp, 0, kStampSize);
   const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  std::strftime(stamp, kStampSize, "[%Y-%m-%d %H:%M:%S]", &local);
+  std::strftime(stamp, kStampSize, "[%Y-%m-%d %H:%M:%S]", std::localtime(&now));
 }
 
 }  // namespace onu

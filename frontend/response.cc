@@ -2,44 +2,55 @@
 
 #include <unistd.h>
 
-#include <csignal>
+#include <algorithm>
 
 #include "frontend/fd.h"
 
 namespace onu {
-namespace {
-
-// A page that closed the connection must not kill the process (an upgrade may follow the reply);
-// the tools started later get the default disposition back.
-void writeReply(std::string_view reply) {
-  const auto before = ::signal(SIGPIPE, SIG_IGN);
-  writeFully(STDOUT_FILENO, reply);
-  ::signal(SIGPIPE, before);
+std::string& JsonFields::operator[](std::string_view key) {
+  constexpr std::size_t kUsual = 24;
+  if (fields_.empty()) {
+    fields_.reserve(kUsual);
+  }
+  if (fields_.empty() || fields_.back().first < key) {
+    return fields_.emplace_back(key, std::string()).second;
+  }
+  const auto at = std::lower_bound(
+      fields_.begin(), fields_.end(), key,
+      [](const Field& field, std::string_view wanted) { return field.first < wanted; });
+  return at->first == key ? at->second : fields_.emplace(at, key, std::string())->second;
 }
-
-std::string contentTypeLine(std::string_view type) {
-  return std::string("Content-Type: ").append(type.empty() ? "text/html" : type).append("\r\n");
-}
-
-}  // namespace
 
 std::string toJsonObject(const JsonFields& fields) {
-  if (fields.empty()) {
+  constexpr std::size_t kAroundValue = 4;  // :"",
+  if (fields.sorted().empty()) {
     return "{}";
   }
-  std::string text = "{";
-  for (const auto& [key, value] : fields) {
-    text.append(key).append(":\"").append(value).append("\",");
+  std::size_t size = 1;
+  for (const auto& [key, value] : fields.sorted()) {
+    size += key.size() + value.size() + kAroundValue;
+  }
+  std::string text(size, '{');
+  char* end = text.data() + 1;
+  for (const auto& [key, value] : fields.sorted()) {
+    end = std::copy(key.begin(), key.end(), end);
+    *end++ = ':';
+    *end++ = '"';
+    end = std::copy(value.begin(), value.end(), end);
+    *end++ = '"';
+    *end++ = ',';
   }
   text.back() = '}';
   return text;
 }
 
 void ResponseWriter::sendJsonResponse(std::string_view body) const {
-  std::string reply = "HTTP/1.0 200 OK\r\n";
-  reply.append(contentTypeLine("application/json")).append("Connection: close\r\n\r\n");
-  reply.append(body).append("\n");
-  writeReply(reply);
+  constexpr std::string_view kHead =
+      "HTTP/1.0 200 OK\r\nContent-Type: application/json\r\nConnection: close\r\n\r\n";
+  std::string reply;
+  reply.reserve(kHead.size() + body.size() + 1);
+  reply.append(kHead).append(body).push_back('\n');
+  writeFully(STDOUT_FILENO, reply);
 }
 
 void ResponseWriter::sendErrorPage(int code, std::string_view message) const {
@@ -47,11 +58,13 @@ void ResponseWriter::sendErrorPage(int code, std::string_view message) const {
   std::string reply = "HTTP/1.1 ";
   reply.append(number).append(message).append("\nConnection:close\n<HTML><BODY><p>Error:");
   reply.append(number).append(" -- ").append(message).append("</p></BODY></HTML>\n");
-  writeReply(reply);
+  writeFully(STDOUT_FILENO, reply);
 }
 
 void ResponseWriter::printContentType(std::string_view type) const {
-  writeReply(contentTypeLine(type));
+  std::string line = "Content-Type: ";
+  line.append(type.empty() ? "text/html" : type).append("\r\n");
+  writeFully(STDOUT_FILENO, line);
 }
 
 }  // namespace onu

@@ -1,21 +1,32 @@
 #pragma once
 
-#include <functional>
-#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace onu {
 
-// Keys and values of a reply, in byte order of the keys; a key set twice keeps its last value.
-using JsonFields = std::map<std::string, std::string, std::less<>>;
+// Keys and values of a reply, in byte order of the keys; a key set twice keeps its last value. Keys
+// are literals of the commands: they are not copied and must outlive the fields.
+class JsonFields {
+ public:
+  using Field = std::pair<std::string_view, std::string>;
+
+  // The value of `key`, a new and empty one when there is none yet. Valid until the next new key.
+  std::string& operator[](std::string_view key);
+
+  const std::vector<Field>& sorted() const { return fields_; }
+
+ private:
+  std::vector<Field> fields_;
+};
 
 // The object text the pages parse: {key:"value",key2:"value"}, keys unquoted, nothing escaped;
 // "{}" when there are no fields.
 std::string toJsonObject(const JsonFields& fields);
 
-// Writes replies to standard output, each in one write. Write errors are not reported: a page that
-// has gone away must not stop the work of its request.
+// Writes replies to standard output, each in one write. Write errors are not reported.
 class ResponseWriter {
  public:
   // HTTP 200 with `body` (an object text or a bare status such as "0") as "application/json".
