@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "commands/accounts.h"
 #include "commands/optical_readings.h"
 #include "commands/pon_counters.h"
 
@@ -9,8 +10,11 @@ namespace onu {
 namespace {
 
 constexpr std::array kRows = {
+    Command{1, "log-in check", checkLogin},
     Command{3, "optical readings", getOpticalReadings},
     Command{8, "PON counters", getPonCounters},
+    Command{19, "password change of the first account", changeAdminPassword},
+    Command{20, "password change of the second account", changeUserPassword},
 };
 
 constexpr bool ascending() {

@@ -32,12 +32,21 @@ struct Fault {
   bool ModuleSettings::*flag;
 };
 
-constexpr std::array<Fault, 5> kFaults = {{
+constexpr std::array<Fault, 4> kFaults = {{
     {"absent", &ModuleSettings::absent},
     {"address", &ModuleSettings::refuseAddress},
     {"pointer", &ModuleSettings::refusePointer},
-    {"byte_read", &ModuleSettings::refuseByteRead},
     {"block_read", &ModuleSettings::refuseBlockRead},
+}};
+
+struct Limit {
+  std::string_view name;
+  std::size_t ModuleSettings::*bytes;
+};
+
+constexpr std::array<Limit, 2> kLimits = {{
+    {"short_block", &ModuleSettings::blockLimit},
+    {"short_bytes", &ModuleSettings::byteLimit},
 }};
 
 using Words = std::vector<std::string>;
@@ -95,11 +104,12 @@ bool apply(const Words& words, ModuleSettings& module) {
   if (words.size() != 2) {
     return false;
   }
-  if (words[0] == "short_block") {
-    unsigned long limit = 0;
-    const bool good = toInteger(words[1], 32, limit);
-    module.blockLimit = good ? limit : module.blockLimit;
-    return good;
+  for (const Limit& limit : kLimits) {
+    unsigned long bytes = 0;
+    if (words[0] == limit.name && toInteger(words[1], 32, bytes)) {
+      module.*limit.bytes = bytes;
+      return true;
+    }
   }
   if (words[0] == "fault") {
     for (const Fault& fault : kFaults) {

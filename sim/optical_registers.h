@@ -12,12 +12,12 @@ namespace onu::sim {
 // kind of line.
 struct ModuleSettings {
   std::array<std::uint8_t, 256> registers{};
-  bool absent = false;          // nothing answers on the bus
-  bool refuseAddress = false;   // the address cannot be selected
-  bool refusePointer = false;   // the register pointer cannot be set
-  bool refuseByteRead = false;  // single bytes cannot be read
+  bool absent = false;         // nothing answers on the bus
+  bool refuseAddress = false;  // the address cannot be selected
+  bool refusePointer = false;  // the register pointer cannot be set
   bool refuseBlockRead = false;
-  std::size_t blockLimit = 32;  // most bytes that a block read returns
+  std::size_t blockLimit = 32;       // most bytes that a block read returns
+  std::size_t byteLimit = SIZE_MAX;  // single bytes that can be read before that fails
 };
 
 // Parses the text of a register file. Later lines win over earlier ones. Lines that make no sense

@@ -95,6 +95,7 @@ int SmbusEmulation::select(BusUser user, std::uint64_t address) {
     }
     selections_[nextSelection_] = {user, address};
     nextSelection_ = (nextSelection_ + 1) % selections_.size();
+    bytesRead_ = 0;
   }
   std::array<char, 40> text{};
   std::snprintf(text.data(), text.size(), "select address=0x%02llx",
@@ -131,13 +132,15 @@ int SmbusEmulation::perform(BusUser user, Transfer& request) {
     return ENXIO;
   }
   pointer_ = request.command;
+  bytesRead_ = 0;
   return 0;
 }
 
 int SmbusEmulation::readByte(Transfer& request) {
-  if (module_.refuseByteRead) {
+  if (bytesRead_ >= module_.byteLimit) {
     return EIO;
   }
+  ++bytesRead_;
   request.data.byte = module_.registers[pointer_++];
   return 0;
 }

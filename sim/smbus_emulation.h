@@ -64,6 +64,7 @@ class SmbusEmulation {
   ModuleSettings module_;
   std::string lastComplaints_;
   std::uint8_t pointer_ = 0;
+  std::size_t bytesRead_ = 0;  // one at a time, since the address or the pointer was last set
   // The latest selections, oldest overwritten first: clients select anew whenever they open the
   // bus, so an old one belongs to a process that has ended.
   std::array<Selection, 64> selections_{};

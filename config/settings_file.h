@@ -1,0 +1,54 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+
+#include "xml/document.h"
+
+namespace onu {
+
+// What an edit of a settings tree came to.
+enum class Edit {
+  kFailed,  // the element is missing
+  kSame,    // the value was there already
+  kDone,
+};
+
+enum class Write { kAlways, kIfChanged };
+
+// One settings file, parsed for one accessor call. A malformed file gives the part of the tree that
+// stands before the error; one that cannot be opened has no elements at all.
+class SettingsFile {
+ public:
+  explicit SettingsFile(const char* path) : path_(path), document_(xml::parseFile(path)) {}
+
+  // The element reached from the root by these names, the first of each name; null when one is
+  // missing. It belongs to this object.
+  xml::XmlNode* find(std::initializer_list<const char*> names) const;
+
+  // Ends a setter: writes the file back when `edit` has changed the tree. Returns the setter's
+  // result, -1 for a failed edit and else 0. The texts of the edits must still be alive.
+  int finish(Edit edit) const;
+
+ private:
+  const char* path_;
+  xml::Document document_;
+};
+
+// Copies the element's text into `value`. False, with `value` untouched, without an element.
+bool copyText(const xml::XmlNode* node, std::string& value);
+
+// Copies the attribute into `value`. False, with `value` untouched, without element or attribute.
+bool copyAttribute(const xml::XmlNode* node, const char* name, std::string& value);
+
+// Sets the element's text, with kIfChanged only when it differs. The tree points at `value`.
+Edit editText(xml::XmlNode* node, const std::string& value, Write write);
+
+// The same for an attribute, which is added where it is missing.
+Edit editAttribute(xml::XmlNode* node, const char* name, const std::string& value, Write write);
+
+// The element whose text is `name`, searched from `first` on among the elements of its own name;
+// null when there is none. This is how the files name their ports.
+xml::XmlNode* findNamed(xml::XmlNode* first, const std::string& name);
+
+}  // namespace onu

@@ -1,0 +1,57 @@
+#include "device/boot_environment.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "config/config_data.h"
+#include "device/shell.h"
+#include "device/status_file.h"
+
+namespace onu {
+namespace {
+
+constexpr const char* kOutputPath = "/tmp/mac.txt";
+constexpr std::string_view kVariable = "mv_pon_addr";
+constexpr std::size_t kMacSize = 17;
+
+// The address in what fw_printenv has printed; false when no line holds one.
+bool findMac(std::string_view output, std::string& mac) {
+  while (!output.empty()) {
+    const std::string_view line = output.substr(0, output.find('\n'));
+    const std::size_t equals = line.find('=');
+    if (line.substr(0, kVariable.size()) == kVariable && equals != std::string_view::npos) {
+      mac = line.substr(equals + 1, kMacSize);
+      return true;
+    }
+    output.remove_prefix(std::min(line.size() + 1, output.size()));
+  }
+  return false;
+}
+
+}  // namespace
+
+int readBootloaderMac(std::string& mac) {
+  runShell("fw_printenv mv_pon_addr >/tmp/mac.txt ");
+  std::string output;
+  if (readStatusFile(kOutputPath, output) != 0) {
+    return -1;
+  }
+  const bool found = findMac(output, mac);
+  runShell("rm /tmp/mac.txt");
+  return found ? 0 : -1;
+}
+
+void writeBootloaderMac(const std::string& mac) { runShell("fw_setenv mv_pon_addr  " + mac); }
+
+int storeMacInSettings(const std::string& mac) {
+  if (ConfigData::getInstance().setMac(mac) != 0) {
+    return -1;
+  }
+  // The factory file replaces the settings just written: the unit starts from it with the new
+  // address in the bootloader environment.
+  runShell(
+      "cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/");
+  return 0;
+}
+
+}  // namespace onu
