@@ -104,6 +104,13 @@ I2cListener::I2cListener(Fd listener, SmbusEmulation& bus)
       words(std::max<std::size_t>(sizes.seccomp_notif_resp, sizeof(seccomp_notif_resp))));
 }
 
+bool I2cListener::canReach(pid_t child) {
+  static const char there = 1;
+  char here = 0;
+  return readClient(static_cast<std::uint32_t>(child), addressOf(&there), &here, 1) &&
+         here == there;
+}
+
 bool I2cListener::deserted() const {
   pollfd state{listener_.get(), 0, 0};
   return ::poll(&state, 1, 0) > 0 && (state.revents & (POLLHUP | POLLERR)) != 0;

@@ -27,6 +27,9 @@ class I2cListener {
 
   int descriptor() const { return listener_.get(); }
 
+  // Whether the kernel lets us look into the memory of `child`, a process just forked.
+  static bool canReach(pid_t child);
+
   // Answers the request that makes the descriptor readable. A client that ended meanwhile is
   // forgotten.
   void serveOne();

@@ -87,8 +87,9 @@ void sendListener(int socket, int listener, int error) {
   static_cast<void>(::sendmsg(socket, &made, 0));
 }
 
-// None, with errno set, when the child could not get a listener.
-Fd receiveListener(int socket) {
+// None, with errno set, when the kernel does not allow the child a listener or us the child's
+// memory. Otherwise the child may go on.
+Fd receiveListener(int socket, pid_t child) {
   ControlArea control{};
   int error = EPIPE;  // the child ended without a word
   iovec text{&error, sizeof error};
@@ -97,14 +98,20 @@ Fd receiveListener(int socket) {
   if (::recvmsg(socket, &made, MSG_CMSG_CLOEXEC) > 0 && error == 0) {
     std::memcpy(&listener, CMSG_DATA(&control.header), sizeof listener);
   }
+  Fd received(listener);
+  if (received && !(I2cListener::canReach(child) && ::send(socket, "", 1, MSG_NOSIGNAL) == 1)) {
+    error = errno;
+    received = Fd();
+  }
   errno = error;
-  return Fd(listener);
+  return received;
 }
 
 [[noreturn]] void runCommand(int socket, char** command, const sigset_t& mask) {
   const int listener = onu::sim::installI2cFilter();
   sendListener(socket, listener, listener < 0 ? errno : 0);
-  if (listener < 0) {
+  char permission = 0;
+  if (listener < 0 || ::read(socket, &permission, 1) != 1) {
     ::_exit(kNotAllowed);
   }
   ::sigprocmask(SIG_SETMASK, &mask, nullptr);
@@ -161,6 +168,19 @@ void serveOrphans(I2cListener& listener) {
   }
 }
 
+// Turns the signals that concern us into what can be read from the result; `before` is the mask to
+// give to the command.
+Fd catchSignals(sigset_t& before) {
+  sigset_t caught;
+  ::sigemptyset(&caught);
+  ::sigaddset(&caught, SIGCHLD);
+  for (const int signal : kForwarded) {
+    ::sigaddset(&caught, signal);
+  }
+  ::sigprocmask(SIG_BLOCK, &caught, &before);
+  return Fd(::signalfd(-1, &caught, SFD_CLOEXEC));
+}
+
 int run(const Options& options) {
   SmbusEmulation bus(options.registers, options.record);
   std::array<int, 2> sockets{};
@@ -168,28 +188,22 @@ int run(const Options& options) {
       ::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets.data()) != 0) {
     return kWrongCall;
   }
-  const Fd ours(sockets[0]);
+  Fd ours(sockets[0]);
   Fd theirs(sockets[1]);
-
-  sigset_t caught;
   sigset_t before;
-  ::sigemptyset(&caught);
-  ::sigaddset(&caught, SIGCHLD);
-  for (const int signal : kForwarded) {
-    ::sigaddset(&caught, signal);
-  }
-  ::sigprocmask(SIG_BLOCK, &caught, &before);
-  const Fd signals(::signalfd(-1, &caught, SFD_CLOEXEC));
+  const Fd signals = catchSignals(before);
 
   const pid_t command = ::fork();
   if (command == 0) {
+    ours = Fd();
     runCommand(theirs.get(), options.command, before);
   }
   theirs = Fd();
-  Fd descriptor = receiveListener(ours.get());
+  Fd descriptor = receiveListener(ours.get(), command);
   if (!descriptor) {
     std::fprintf(stderr, "optical-module: this kernel does not let I2C requests be simulated: %s\n",
                  std::strerror(errno));
+    ours = Fd();  // which ends the waiting child
     ::waitpid(command, nullptr, 0);
     return kNotAllowed;
   }

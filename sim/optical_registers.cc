@@ -136,8 +136,8 @@ ModuleSettings parseModule(std::string_view text, std::string& complaints) {
     text.remove_prefix(std::min(text.size(), line.size() + 1));
     const Words words = split(line);
     if (!words.empty() && !apply(words, module)) {
-      complaints.append("line ").append(std::to_string(number)).append(" makes no sense: ");
-      complaints.append(line).append("\n");
+      complaints.append(complaints.empty() ? "line " : "\n  line ").append(std::to_string(number));
+      complaints.append(" makes no sense: ").append(line);
     }
   }
   return module;

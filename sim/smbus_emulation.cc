@@ -106,10 +106,10 @@ int SmbusEmulation::select(BusUser user, std::uint64_t address) {
 
 int SmbusEmulation::transfer(BusUser user, Transfer& request) {
   reload();
+  const std::string text = describe(request);
   if (isBlockRead(request) && request.size == I2C_SMBUS_I2C_BLOCK_BROKEN) {
     request.data.block[0] = I2C_SMBUS_BLOCK_MAX;  // whatever the client asked for
   }
-  const std::string text = describe(request);
   const int error = wellFormed(request) ? perform(user, request) : EINVAL;
   record(text, error);
   return error;

@@ -165,7 +165,7 @@ void writeFile(const std::string& path, const std::string& text) {
 bool exists(const std::string& path) { return fs::exists(fs::symlink_status(path)); }
 
 void Unit::reset() {
-  for (const char* folder : {"/etc", "/var", "/sys", "/tmp", "/record"}) {
+  for (const char* folder : {"/etc", "/var", "/sys", "/tmp", "/record", "/small"}) {
     for (const auto& entry : fs::directory_iterator(folder)) {
       fs::remove_all(entry.path());
     }
@@ -206,5 +206,9 @@ Outcome Unit::run(const std::string& program, const std::vector<std::string>& ar
 }
 
 Outcome Unit::cgi(const Request& request) { return run(kCgi, {}, request); }
+
+Outcome Unit::init(const std::vector<std::string>& arguments) {
+  return run("/sbin/onu-init", arguments);
+}
 
 }  // namespace onu::test

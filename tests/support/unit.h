@@ -55,6 +55,7 @@ class Unit : public testing::Test {
   static Outcome run(const std::string& program, const std::vector<std::string>& arguments,
                      const Request& request = {});
   static Outcome cgi(const Request& request);
+  static Outcome init(const std::vector<std::string>& arguments = {});
   // The whole reply to a GET.
   static std::string reply(const std::string& query) { return cgi(get(query)).out; }
 
