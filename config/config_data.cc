@@ -45,8 +45,7 @@ int ConfigData::setIpInfo(const IpInfo& info) const {
   if (group == nullptr) {
     return -1;
   }
-  const Edit address =
-      editText(xml::child(group, "ipAddress"), info.ipAddress, Write::kIfChanged);
+  const Edit address = editText(xml::child(group, "ipAddress"), info.ipAddress, Write::kIfChanged);
   const Edit mask = editText(xml::child(group, "netMask"), info.netMask, Write::kIfChanged);
   if (address == Edit::kFailed || mask == Edit::kFailed) {
     printLine("set ip address type  error");
@@ -104,8 +103,7 @@ int ConfigData::getVlanPorts(std::vector<VlanPortInfo>& ports) const {
   const SettingsFile file(path_);
   std::vector<VlanPortInfo> found;
   VlanPortInfo info;  // one for all, so that a missing value is the one of the port before
-  for (const xml::XmlNode* port = file.find({"vlan", "port"}); port != nullptr;
-       port = port->next) {
+  for (const xml::XmlNode* port = file.find({"vlan", "port"}); port != nullptr; port = port->next) {
     copyText(port, info.port);
     copyAttribute(port, "mode", info.mode);
     if (!copyAttribute(port, "default_vid", info.default_vid)) {

@@ -49,8 +49,7 @@ int storeMacInSettings(const std::string& mac) {
   }
   // The factory file replaces the settings just written: the unit starts from it with the new
   // address in the bootloader environment.
-  runShell(
-      "cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/");
+  runShell("cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/");
   return 0;
 }
 

@@ -94,8 +94,9 @@ TEST_F(MainSettings, AgeingTimeIsOfTheFirstPortThatHasOne) {
 }
 
 TEST_F(MainSettings, MissingSingleValuesLeaveTheField) {
-  settings("<commInfo/><ipInfo/><account/><onu><fec_mode>1</fec_mode><loid>l</loid></onu>"
-           "<storm><port/></storm>");
+  settings(
+      "<commInfo/><ipInfo/><account/><onu><fec_mode>1</fec_mode><loid>l</loid></onu>"
+      "<storm><port/></storm>");
   CommInfo comm;
   comm.vendor = "old";
   EXPECT_EQ(config().getCommInfo(comm), 0);
@@ -123,29 +124,54 @@ struct Setter {
 };
 
 TEST_F(MainSettings, AreWrittenBackWhole) {
-  const std::string ip = "<ipInfo><ipAddress>192.168.1.1</ipAddress>"
-                         "<netMask>255.255.255.0</netMask></ipInfo>";
-  const std::string vlan = "<vlan><port mode=\"1\" default_vid=\"2\" vid_sum=\"3\" "
-                           "vid_serial=\"4\">0</port></vlan>";
+  const std::string ip =
+      "<ipInfo><ipAddress>192.168.1.1</ipAddress>"
+      "<netMask>255.255.255.0</netMask></ipInfo>";
+  const std::string vlan =
+      "<vlan><port mode=\"1\" default_vid=\"2\" vid_sum=\"3\" "
+      "vid_serial=\"4\">0</port></vlan>";
   const std::string phy = "<switch><port mode=\"0\" mode_max=\"5\">0</port></switch>";
-  const std::string age = "<mac_aging_time><eth_port>0</eth_port><eth_port time=\"9\">1</eth_port>"
-                          "</mac_aging_time>";
+  const std::string age =
+      "<mac_aging_time><eth_port>0</eth_port><eth_port time=\"9\">1</eth_port>"
+      "</mac_aging_time>";
   const std::string storm = "<storm><port mode=\"0\" bs_thresh=\"8\">0</port><port/></storm>";
   const std::string account = "<account><admin>a</admin><user>u</user></account>";
   const std::vector<Setter> cases = {
-      {"address", ip, [] { return config().setIpInfo({"10.0.0.10", "255.255.255.0", ""}); }, 0,
-       "<ipInfo><ipAddress>10.0.0.10</ipAddress><netMask>255.255.255.0</netMask></ipInfo>"},
-      {"mask", ip, [] { return config().setIpInfo({"192.168.1.1", "255.255.0.0", ""}); }, 0,
-       "<ipInfo><ipAddress>192.168.1.1</ipAddress><netMask>255.255.0.0</netMask></ipInfo>"},
-      {"same address", ip, [] { return config().setIpInfo({"192.168.1.1", "255.255.255.0", ""}); },
+      {"address", ip,
+       [] {
+         return config().setIpInfo({"10.0.0.10", "255.255.255.0", ""});
+       },
+       0, "<ipInfo><ipAddress>10.0.0.10</ipAddress><netMask>255.255.255.0</netMask></ipInfo>"},
+      {"mask", ip,
+       [] {
+         return config().setIpInfo({"192.168.1.1", "255.255.0.0", ""});
+       },
+       0, "<ipInfo><ipAddress>192.168.1.1</ipAddress><netMask>255.255.0.0</netMask></ipInfo>"},
+      {"same address", ip,
+       [] {
+         return config().setIpInfo({"192.168.1.1", "255.255.255.0", ""});
+       },
        0, ""},
-      {"short address", ip, [] { return config().setIpInfo({"1.2.3.4", "255.255.255.0", ""}); },
+      {"short address", ip,
+       [] {
+         return config().setIpInfo({"1.2.3.4", "255.255.255.0", ""});
+       },
        -1, ""},
-      {"short mask", ip, [] { return config().setIpInfo({"10.0.0.10", "255.0.0", ""}); }, -1, ""},
-      {"8 characters", ip, [] { return config().setIpInfo({"10.0.0.1", "254.0.0.", ""}); }, 0,
-       "<ipInfo><ipAddress>10.0.0.1</ipAddress><netMask>254.0.0.</netMask></ipInfo>"},
+      {"short mask", ip,
+       [] {
+         return config().setIpInfo({"10.0.0.10", "255.0.0", ""});
+       },
+       -1, ""},
+      {"8 characters", ip,
+       [] {
+         return config().setIpInfo({"10.0.0.1", "254.0.0.", ""});
+       },
+       0, "<ipInfo><ipAddress>10.0.0.1</ipAddress><netMask>254.0.0.</netMask></ipInfo>"},
       {"address without its element", "<ipInfo><netMask/></ipInfo>",
-       [] { return config().setIpInfo({"10.0.0.10", "255.255.255.0", ""}); }, -1, ""},
+       [] {
+         return config().setIpInfo({"10.0.0.10", "255.255.255.0", ""});
+       },
+       -1, ""},
       {"mac", "<ipInfo><onu_mac>x</onu_mac></ipInfo>", [] { return config().setMac("<&>"); }, 0,
        "<ipInfo><onu_mac>&lt;&amp;&gt;</onu_mac></ipInfo>"},
       {"mac is written though unchanged", "<ipInfo><onu_mac>x</onu_mac></ipInfo>",
@@ -156,13 +182,26 @@ TEST_F(MainSettings, AreWrittenBackWhole) {
       {"same password", account, [] { return config().setUserPassword("u"); }, 0, ""},
       {"password without its element", "<account/>", [] { return config().setUserPassword("u"); },
        -1, ""},
-      {"vlan", vlan, [] { return config().setVlanPort({"0", "5", "6", "7", "8"}); }, 0,
+      {"vlan", vlan,
+       [] {
+         return config().setVlanPort({"0", "5", "6", "7", "8"});
+       },
+       0,
        "<vlan><port mode=\"5\" default_vid=\"6\" vid_sum=\"7\" vid_serial=\"8\">0</port></vlan>"},
-      {"vlan without default", vlan, [] { return config().setVlanPort({"0", "5", "", "", ""}); },
+      {"vlan without default", vlan,
+       [] {
+         return config().setVlanPort({"0", "5", "", "", ""});
+       },
        0, "<vlan><port mode=\"5\" default_vid=\"2\" vid_sum=\"\" vid_serial=\"\">0</port></vlan>"},
-      {"vlan of no port", vlan, [] { return config().setVlanPort({"9", "5", "6", "7", "8"}); }, 0,
-       ""},
-      {"vlan without ports", "<vlan/>", [] { return config().setVlanPort({"9", "", "", "", ""}); },
+      {"vlan of no port", vlan,
+       [] {
+         return config().setVlanPort({"9", "5", "6", "7", "8"});
+       },
+       0, ""},
+      {"vlan without ports", "<vlan/>",
+       [] {
+         return config().setVlanPort({"9", "", "", "", ""});
+       },
        -1, ""},
       {"fec", "<onu><fec_mode>0</fec_mode></onu>", [] { return config().setFecMode("1"); }, 0,
        "<onu><fec_mode>1</fec_mode></onu>"},
@@ -171,15 +210,27 @@ TEST_F(MainSettings, AreWrittenBackWhole) {
       {"sn", "<onu><sn/></onu>", [] { return config().setSn("S"); }, 0, "<onu><sn>S</sn></onu>"},
       {"same sn", "<onu><sn>S</sn></onu>", [] { return config().setSn("S"); }, 0, ""},
       {"loid is written though unchanged", "<onu><loid password=\"p\">l</loid></onu>",
-       [] { return config().setLoid({"l", "p"}); }, 0, "<onu><loid password=\"p\">l</loid></onu>"},
+       [] {
+         return config().setLoid({"l", "p"});
+       },
+       0, "<onu><loid password=\"p\">l</loid></onu>"},
       {"loid without password", "<onu><loid>l</loid></onu>",
-       [] { return config().setLoid({"m", "\"\n"}); }, 0,
-       "<onu><loid password=\"&quot;&#xA;\">m</loid></onu>"},
-      {"phy", phy, [] { return config().setPhyPort({"0", "1", "2", "3", "4", "6"}); }, 0,
+       [] {
+         return config().setLoid({"m", "\"\n"});
+       },
+       0, "<onu><loid password=\"&quot;&#xA;\">m</loid></onu>"},
+      {"phy", phy,
+       [] {
+         return config().setPhyPort({"0", "1", "2", "3", "4", "6"});
+       },
+       0,
        "<switch><port mode=\"4\" mode_max=\"5\" phy_admin=\"1\" flow_control=\"2\" "
        "auto_neg=\"3\">0</port></switch>"},
-      {"phy of no port", phy, [] { return config().setPhyPort({"1", "", "", "", "", ""}); }, -1,
-       ""},
+      {"phy of no port", phy,
+       [] {
+         return config().setPhyPort({"1", "", "", "", "", ""});
+       },
+       -1, ""},
       {"ageing", age, [] { return config().setMacAgingTime("0", "5"); }, 0,
        "<mac_aging_time><eth_port time=\"5\">0</eth_port><eth_port time=\"9\">1</eth_port>"
        "</mac_aging_time>"},
@@ -234,9 +285,9 @@ std::vector<int> everyOperation() {
 
 TEST_F(MainSettings, UnusableFilesFailEveryOperation) {
   const std::vector<int> failed(everyOperation().size(), -1);
-  for (const std::string& content : {std::string(), std::string("\0\xff\xfe<", 4),
-                                     std::string("no markup"), std::string("<cfg/>"),
-                                     std::string("<cfg><vlan/><switch/><storm/>")}) {
+  for (const std::string& content :
+       {std::string(), std::string("\0\xff\xfe<", 4), std::string("no markup"),
+        std::string("<cfg/>"), std::string("<cfg><vlan/><switch/><storm/>")}) {
     writeFile(kSettings, content);
     EXPECT_EQ(everyOperation(), failed) << content;
     EXPECT_EQ(readFile(kSettings), content);

@@ -1,7 +1,7 @@
 #include "frontend/cgi_log.h"
 
-#include <sys/stat.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <regex>

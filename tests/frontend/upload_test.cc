@@ -38,8 +38,8 @@ class Uploads : public Unit {
   static void expectStored(const std::string& body, const std::string& want,
                            const std::string& label) {
     EXPECT_EQ(cgi(upload("cmd_id=7", body)).out, errorPage(404, "processor is not find")) << label;
-    EXPECT_TRUE(readFile(kUpload) == want) << label << ": " << readFile(kUpload).size()
-                                           << " bytes instead of " << want.size();
+    EXPECT_TRUE(readFile(kUpload) == want)
+        << label << ": " << readFile(kUpload).size() << " bytes instead of " << want.size();
   }
   static void expectRefused(const Request& request, const std::string& label) {
     writeFile(kUpload, "stale");
@@ -73,8 +73,7 @@ TEST_F(Uploads, StoreTheDataUnchanged) {
        part(line + line, "a", "x\r\n--" + line) + "\r\n--" + line + line + "--\r\n",
        "x\r\n--" + line},
       {"boundary line that never ends", std::string(5000, '-'), ""},
-      {"name of 3000 bytes",
-       part(kBoundary, std::string(3000, 'n'), "data") + end, "data"},
+      {"name of 3000 bytes", part(kBoundary, std::string(3000, 'n'), "data") + end, "data"},
   };
   for (const Case& c : cases) {
     expectStored(c.body, c.want, c.label);
@@ -99,7 +98,8 @@ TEST_F(Uploads, FailWithoutDispatch) {
   expectRefused(upload("cmd_id=8", body, "16777217"), "too large");
   expectRefused(upload("cmd_id=8", body, "-1"), "negative");
   expectRefused(upload("cmd_id=8", body, "many"), "no number");
-  expectRefused(upload("cmd_id=8", body, std::to_string(body.size() + 1)), "shorter than announced");
+  expectRefused(upload("cmd_id=8", body, std::to_string(body.size() + 1)),
+                "shorter than announced");
   Request noMethod = upload("cmd_id=8", body);
   noMethod.environment.erase("REQUEST_METHOD");
   expectRefused(noMethod, "no method");

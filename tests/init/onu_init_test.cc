@@ -35,11 +35,11 @@ TEST_F(Init, ReplacesThePlaceholderAndReboots) {
     setBootloaderMac(mac);
     const Outcome outcome = init();
     const std::string settled = "ifconfig eth0 10.1.2.3 netmask 255.0.0.0 up";
-    const std::vector<std::string> want = {
-        kFactoryAddress, settled, kRead, kClean, "fw_setenv mv_pon_addr  00:11:22:33:44:55",
-        "/sbin/reboot",
-        // and after the reboot
-        kFactoryAddress, settled, kRead, kClean};
+    const std::vector<std::string> want = {kFactoryAddress, settled, kRead, kClean,
+                                           "fw_setenv mv_pon_addr  00:11:22:33:44:55",
+                                           "/sbin/reboot",
+                                           // and after the reboot
+                                           kFactoryAddress, settled, kRead, kClean};
     EXPECT_EQ(outcome.commands, want) << mac;
     EXPECT_EQ(outcome.out, std::string(kTitle) + " IP = 10.1.2.3\n" + kTitle + " IP = 10.1.2.3\n");
     EXPECT_EQ(outcome.status, 0);
@@ -59,8 +59,7 @@ TEST_F(Init, TakesAnyOtherAddressIntoTheSettings) {
   for (const Case& c : {
            Case{"different", "00:11:22:33:44:55", "00:AA:BB:CC:DD:EE", "00:11:22:33:44:55"},
            {"equal", "00:11:22:33:44:55", "00:11:22:33:44:55", ""},
-           {"other case of letters", "00:aa:bb:cc:dd:ee", "00:AA:BB:CC:DD:EE",
-            "00:aa:bb:cc:dd:ee"},
+           {"other case of letters", "00:aa:bb:cc:dd:ee", "00:AA:BB:CC:DD:EE", "00:aa:bb:cc:dd:ee"},
            {"over-long", "00:11:22:33:44:55:66", "x", "00:11:22:33:44:55"},
            {"short", "1", "x", "1"},
            {"with equals signs", "a=b=c", "x", "a=b=c"},
@@ -82,8 +81,8 @@ TEST_F(Init, StandsUnreadableSettings) {
   std::filesystem::remove(kSettings);
   setBootloaderMac("00:11:22:33:44:55");
   const Outcome outcome = init();
-  EXPECT_EQ(outcome.out, std::string(kTitle) +
-                             " IP = 192.168.1.1\n onu mac address  = 00:11:22:33:44:55\n");
+  EXPECT_EQ(outcome.out,
+            std::string(kTitle) + " IP = 192.168.1.1\n onu mac address  = 00:11:22:33:44:55\n");
   EXPECT_EQ(outcome.tools,
             std::vector<std::string>{"ifconfig eth0 192.168.1.1 netmask 255.255.255.0 up"});
   EXPECT_FALSE(exists(kSettings));

@@ -54,9 +54,8 @@ void converse(const std::string& body, Pipe& in, Pipe& out, Pipe& err, Outcome& 
     in.closeEnd(1);
   }
   while (out.ends[0] >= 0 || err.ends[0] >= 0) {
-    std::array<pollfd, 3> waiting = {{{in.ends[1], POLLOUT, 0},
-                                      {out.ends[0], POLLIN, 0},
-                                      {err.ends[0], POLLIN, 0}}};
+    std::array<pollfd, 3> waiting = {
+        {{in.ends[1], POLLOUT, 0}, {out.ends[0], POLLIN, 0}, {err.ends[0], POLLIN, 0}}};
     ::poll(waiting.data(), waiting.size(), -1);
     if (waiting[0].revents != 0) {
       const ssize_t put = ::write(in.ends[1], body.data() + sent, body.size() - sent);

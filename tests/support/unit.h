@@ -35,7 +35,7 @@ struct Outcome {
 std::string json(const std::string& body);
 std::string errorPage(int code, const std::string& message);
 
-std::string readFile(const std::string& path);  // empty when it cannot be read
+std::string readFile(const std::string& path);                     // empty when it cannot be read
 void writeFile(const std::string& path, const std::string& text);  // makes the folders it needs
 bool exists(const std::string& path);
 
