@@ -30,7 +30,7 @@ class UploadReader {
   static constexpr std::size_t kBlock = 1024;
   static constexpr std::size_t kBoundaryMax = 100;
   static constexpr std::size_t kDelimiterMax = 2 + kBoundaryMax;  // CR LF and the boundary
-  static constexpr std::size_t kPending = 16 * 1024;
+  static constexpr std::size_t kPending = 0x4000;
 
   std::size_t scan(std::string_view input);
   void takeHeader(char c);

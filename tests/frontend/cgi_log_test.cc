@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdlib>
-#include <regex>
 
 #include "frontend/debug_trace.h"
 #include "tests/support/unit.h"
@@ -23,8 +24,10 @@ TEST(CgiLog, KeepsTheNewestTwoMebibytes) {
   EXPECT_EQ(test::readFile(kLog), "");
 
   log.writeLine("abc");
-  EXPECT_TRUE(std::regex_match(test::readFile(kLog),
-                               std::regex(R"(\[\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\]abc\n)")));
+  std::string line = test::readFile(kLog);
+  std::replace_if(
+      line.begin(), line.end(), [](unsigned char c) { return std::isdigit(c) != 0; }, '0');
+  EXPECT_EQ(line, "[0000-00-00 00:00:00]abc\n");
 
   // Zero bytes must survive the trimming as well.
   const std::string old = std::string("0123456789") + std::string(2097140 - 10, '\0');
