@@ -57,7 +57,7 @@ TEST_F(Identity, UnitInformation) {
            R"(onu_fm_ver:"02.00.0e",onu_hw_ver:"V1.2",onu_id:"000CE7419A2F",)"
            R"(onu_ip:"192.168.1.1",onu_mac:"00:0C:E7:41:9A:2F",onu_model:"T143",)"
            R"(onu_netmask:"255.255.255.0",onu_soft_ver:"V2.0.14",onu_vendor_id:"TEVO",)"
-           R"(reg_st:"1",type:"SFU-1GE-4FE"})"));
+           R"(reg_st:"1",type:"SFU-1GE-3FE"})"));
   otherUnit();
   EXPECT_EQ(
       reply("cmd_id=2&action=1&port=1"),

@@ -29,7 +29,7 @@ TEST_F(MainSettings, AreReadFromTheFactoryFile) {
   CommInfo comm;
   EXPECT_EQ(config().getCommInfo(comm), 0);
   EXPECT_EQ(comm.vendor + "|" + comm.model + "|" + comm.softwareVersion + "|" + comm.onu_id,
-            "TEVO|SFU-1GE-4FE|V2.0.14 build 2026-08-31|00504302");
+            "TEVO|SFU-1GE-3FE|V2.0.14 build 2026-08-31|00504302");
   IpInfo ip;
   EXPECT_EQ(config().getIpInfo(ip), 0);
   EXPECT_EQ(ip.ipAddress + "|" + ip.netMask + "|" + ip.onu_mac,
