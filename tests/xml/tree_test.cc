@@ -1,0 +1,184 @@
+#include <gtest/gtest.h>
+
+#include "tests/xml/document.h"
+
+namespace {
+
+TEST(Lookup, FindsByNameAndPlace) {
+  Parsed document("<a><b>1</b><c>2</c><b x='y'>3</b></a>");
+  xml::XmlNode* b = xml::child(document.node(), "b");
+  EXPECT_STREQ(b->txt, "1");
+  EXPECT_STREQ(xml::idx(b, 1)->txt, "3");
+  EXPECT_EQ(xml::idx(b, 2), nullptr);
+  EXPECT_EQ(xml::child(document.node(), "B"), nullptr);
+  EXPECT_STREQ(xml::attr(xml::idx(b, 1), "x"), "y");
+  EXPECT_EQ(xml::attr(b, "x"), nullptr);
+  EXPECT_EQ(groups(document.node()), "b1,b3|c2");
+}
+
+// More names than are compared one by one, each twice.
+TEST(Lookup, GroupsManyNames) {
+  std::string text = "<a>";
+  std::string want;
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < 40; ++i) text += "<name" + std::to_string(i) + "/>";
+  }
+  Parsed document(text + "</a>");
+  for (int i = 0; i < 40; ++i) {
+    std::string name = "name" + std::to_string(i);
+    want += (i == 0 ? "" : "|") + name + "," + name;
+  }
+  EXPECT_EQ(groups(document.node()), want);
+}
+
+TEST(Lookup, WalksPaths) {
+  Parsed document("<a><b><c>1</c></b><b><c>2</c><c>3</c></b></a>");
+  xml::XmlNode* a = document.node();
+  EXPECT_STREQ(xml::get(a, {{"b", 1}, {"c", 1}})->txt, "3");
+  EXPECT_EQ(xml::get(a, {{"b", 2}, {"c", 0}}), nullptr);
+  EXPECT_STREQ(xml::get(a, {{"b", 0}, {"c", -1}, {"d", 0}})->txt, "1");
+  const xml::Step steps[] = {{"b", 1}, {"c", 0}, {"", 0}};
+  EXPECT_STREQ(xml::get(a, steps)->txt, "2");
+  EXPECT_EQ(xml::get(a, {}), a);
+}
+
+TEST(Null, IsAnsweredByNull) {
+  EXPECT_EQ(xml::child(nullptr, "a"), nullptr);
+  EXPECT_EQ(xml::idx(nullptr, 0), nullptr);
+  EXPECT_EQ(xml::attr(nullptr, "a"), nullptr);
+  EXPECT_EQ(xml::get(nullptr, {{"a", 0}}), nullptr);
+  EXPECT_EQ(xml::setText(nullptr, "a"), nullptr);
+  EXPECT_EQ(xml::setAttr(nullptr, "a", "b"), nullptr);
+  EXPECT_EQ(xml::addChild(nullptr, "a", 0), nullptr);
+  EXPECT_EQ(xml::cut(nullptr), nullptr);
+  EXPECT_EQ(xml::parseFile(nullptr), nullptr);
+  EXPECT_EQ(written(nullptr), "");
+  EXPECT_STREQ(xml::error(nullptr), "");
+  xml::freeDoc(nullptr);
+  EXPECT_EQ(written(Parsed("").node()), "");
+}
+
+TEST(Write, KeepsASettingsFileAsItIs) {
+  std::string text =
+      "<config>\n  <lan>\n    <ip>192.168.1.1</ip>\n    <port mode=\"1\" "
+      "speed=\"100\">eth_0</port>\n"
+      "    <port mode=\"0\">eth_1</port>\n  </lan>\n\n  <pwd>&lt;&amp;&gt;\"'\xC3\xA9</pwd> "
+      "<x></x>\n</config>";
+  Parsed document(text);
+  EXPECT_EQ(written(document.node()), text);
+  EXPECT_EQ(written(document.node()), text);
+  EXPECT_EQ(written(xml::get(document.node(), {{"lan", 0}, {"port", 1}})),
+            "<port mode=\"0\">eth_1</port>");
+}
+
+TEST(Write, Escapes) {
+  Parsed document("<a b='&#10;&#9;&#13;&lt;&gt;&amp;&quot;&apos;' b='2'>&#13;\n\t&quot;]]&gt;</a>");
+  std::string text = "<a b=\"&#xA;&#x9;&#xD;&lt;&gt;&amp;&quot;'\">&#xD;\n\t\"]]&gt;</a>";
+  EXPECT_EQ(written(document.node()), text);
+  EXPECT_EQ(written(Parsed(text).node()), text);
+  std::string many(60, '&');
+  xml::setText(document.node(), many.c_str());
+  EXPECT_EQ(written(document.node()).size(),
+            text.size() - std::strlen("&#xD;\n\t\"]]&gt;") + 5 * 60);
+}
+
+TEST(Write, NamesARepeatedAttributeOnce) {
+  std::string tag = "<a";
+  std::string want = tag;
+  for (int i = 0; i < 50; ++i) {
+    tag += " b" + std::to_string(i % 40) + "='" + std::to_string(i) + "'";
+    if (i < 40) want += " b" + std::to_string(i) + "=\"" + std::to_string(i) + "\"";
+  }
+  EXPECT_EQ(written(Parsed(tag + "/>").node()), want + "></a>");
+}
+
+TEST(Edit, Texts) {
+  Parsed document("<a>12<b/>34<c/>56</a>");
+  xml::XmlNode* a = document.node();
+  EXPECT_EQ(xml::setText(a, "x<y"), a);
+  EXPECT_EQ(written(a), "<a>x&lt;<b></b>y<c></c></a>");
+  xml::setText(a, strdup("0123456789"));
+  a->flags |= xml::kTextAllocated;
+  EXPECT_EQ(written(a), "<a>01<b></b>23<c></c>456789</a>");
+  xml::setText(a, "");
+  EXPECT_EQ(written(a), "<a><b></b><c></c></a>");
+  xml::setText(a->child, strdup("left to the document"));
+  a->child->flags |= xml::kTextAllocated;
+}
+
+TEST(Edit, Attributes) {
+  Parsed document("<a><b c='1' d='2'/></a>");
+  xml::XmlNode* a = document.node();
+  xml::XmlNode* b = a->child;
+  const char** none = a->attr;
+  EXPECT_EQ(xml::setAttr(b, "c", "3"), b);
+  xml::setAttr(b, "e", "4");
+  xml::setAttr(b, "d", nullptr);
+  xml::setAttr(b, "none", nullptr);
+  EXPECT_EQ(shown(b), "b{c=3;e=4;}''");
+  EXPECT_EQ(std::strlen(b->attr[5]), 2U);
+  xml::setAttr(a, "x", "y");
+  EXPECT_EQ(shown(a).substr(0, 6), "a{x=y;");
+  xml::setAttr(a, "x", nullptr);
+  EXPECT_EQ(a->attr, none);
+}
+
+// Copies that are handed over are released when replaced, removed, or with the document.
+TEST(Edit, AttributesHandedOver) {
+  Parsed document("<a b='1'/>");
+  xml::XmlNode* a = document.node();
+  a->flags |= xml::kAttributesAllocated;
+  xml::setAttr(a, strdup("b"), strdup("2"));
+  xml::setAttr(a, strdup("b"), strdup("3"));
+  xml::setAttr(a, strdup("c"), strdup("4"));
+  xml::setAttr(a, strdup("d"), strdup("5"));
+  xml::setAttr(a, "d", nullptr);
+  a->flags = static_cast<uint8_t>(a->flags & ~xml::kAttributesAllocated);
+  xml::setAttr(a, "c", "6");
+  EXPECT_EQ(shown(a), "a{b=3;c=6;}''");
+}
+
+struct AddCase {
+  const char* name;
+  size_t off;
+  const char* written;
+  const char* groups;
+};
+
+TEST(Edit, AddsAndCutsChildren) {
+  const AddCase cases[] = {{"b", 0, "<a><b></b>1<b></b>2<c></c>3<b></b>4</a>", "b,b,b|c"},
+                           {"b", 1, "<a>1<b></b><b></b>2<c></c>3<b></b>4</a>", "b,b,b|c"},
+                           {"c", 0, "<a><c></c>1<b></b>2<c></c>3<b></b>4</a>", "c,c|b,b"},
+                           {"c", 1, "<a>1<b></b><c></c>2<c></c>3<b></b>4</a>", "b,b|c,c"},
+                           {"c", 9, "<a>1<b></b>2<c></c>3<b></b>4<c></c></a>", "b,b|c,c"},
+                           {"d", 0, "<a><d></d>1<b></b>2<c></c>3<b></b>4</a>", "d|b,b|c"},
+                           {"d", 1, "<a>1<b></b><d></d>2<c></c>3<b></b>4</a>", "b,b|d|c"},
+                           {"d", 4, "<a>1<b></b>2<c></c>3<b></b>4<d></d></a>", "b,b|c|d"}};
+  std::string text = "<a>1<b></b>2<c></c>3<b></b>4</a>";
+  for (const AddCase& c : cases) {
+    Parsed document(text);
+    xml::XmlNode* a = document.node();
+    xml::XmlNode* added = xml::addChild(a, c.name, c.off);
+    EXPECT_EQ(written(a), c.written);
+    EXPECT_EQ(groups(a), c.groups) << c.written;
+    EXPECT_EQ(xml::cut(added), added);
+    EXPECT_EQ(xml::cut(added), added);
+    EXPECT_EQ(written(a), text);
+    EXPECT_EQ(groups(a), "b,b|c");
+  }
+  Parsed document(text);
+  xml::cut(document.node()->child);
+  EXPECT_EQ(written(document.node()), "<a>12<c></c>3<b></b>4</a>");
+  EXPECT_EQ(groups(document.node()), "c|b");
+}
+
+TEST(Edit, BuildsATree) {
+  Parsed document("<a/>");
+  for (int i = 0; i < 1000; ++i) xml::setText(xml::addChild(document.node(), "b", 0), "x");
+  xml::XmlNode* last = xml::get(document.node(), {{"b", 999}});
+  xml::setAttr(xml::addChild(last, "c", 1), "d", "e");
+  EXPECT_EQ(written(last), "<b>x<c d=\"e\"></c></b>");
+  EXPECT_EQ(xml::idx(last, 1), nullptr);
+}
+
+}  // namespace

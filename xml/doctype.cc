@@ -1,0 +1,235 @@
+#include "xml/doctype.h"
+
+#include <cstring>
+
+#include "xml/scan.h"
+
+namespace xml::internal {
+
+namespace {
+
+constexpr const char* kUnclosedList = "unclosed <!ATTLIST";
+constexpr const char* kMalformedList = "malformed <!ATTLIST";
+
+const char* afterText(const char* p, const char* e, const char* text, size_t length) {
+  for (; static_cast<size_t>(e - p) >= length; ++p) {
+    if (std::memcmp(p, text, length) == 0) return p + length;
+  }
+  return nullptr;
+}
+
+bool startsWith(const char* p, const char* e, const char* text, size_t length) {
+  return static_cast<size_t>(e - p) >= length && std::memcmp(p, text, length) == 0;
+}
+
+bool closes(const char* p, const char* e) {
+  if (*p != ']') return false;
+  for (++p; p != e && isSpace(*p); ++p) {
+  }
+  return p != e && *p == '>';
+}
+
+// Behind the comment, instruction or quoted value that starts at p, p itself when none does, NULL
+// when it has no end.
+const char* skipOpaque(const char* p, const char* e, bool inDeclaration) {
+  if (startsWith(p, e, "<!--", 4)) return afterText(p + 4, e, "-->", 3);
+  if (startsWith(p, e, "<?", 2)) return afterText(p + 2, e, "?>", 2);
+  if (inDeclaration && (*p == '"' || *p == '\'')) return afterText(p + 1, e, p, 1);
+  return p;
+}
+
+}  // namespace
+
+const char* plainSubsetEnd(const char* start, const char* e) {
+  for (const char* p = start; p != e; ++p) {
+    if (closes(p, e)) return p;
+  }
+  return nullptr;
+}
+
+const char* subsetEnd(const char* start, const char* e) {
+  bool inDeclaration = false;
+  for (const char* p = start; p != e;) {
+    const char* behind = skipOpaque(p, e, inDeclaration);
+    if (behind != p) {
+      if (behind == nullptr) break;  // not well formed, so what looks like the end shall be it
+      p = behind;
+      continue;
+    }
+    if (closes(p, e)) return p;
+    if (*p == '<') inDeclaration = true;
+    if (*p == '>') inDeclaration = false;
+    ++p;
+  }
+  return plainSubsetEnd(start, e);
+}
+
+DoctypeError Doctype::read(const char* subset, size_t length) {
+  error_ = {};
+  SubsetSource source(subset, length, entities_);
+  declarations(source);
+  checkCircles();
+  publish();
+  return error_;
+}
+
+Mode Doctype::attributeMode(const char* element, size_t elementLength, const char* name,
+                            size_t length) const {
+  size_t list = index_.find(this, element, elementLength);
+  if (list == NameIndex::kNone) return Mode::kAttribute;
+  size_t i = index_.find(defaults_[list].element, name, length);
+  return i == NameIndex::kNone ? Mode::kAttribute : defaults_[list].attributes[i].mode;
+}
+
+bool Doctype::declarations(SubsetSource& source) {
+  while (source.skipSpace()) {
+    if (source.peek() != '<') {
+      source.skip(1);
+    } else if (!declaration(source)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool Doctype::declaration(SubsetSource& source) {
+  const char* place = source.place();
+  if (source.accept("<!--")) {
+    return source.through("-->").text != nullptr || fail(place, "unclosed <!--");
+  }
+  if (source.accept("<?"))
+    return source.through("?>").text != nullptr || fail(place, "unclosed <?");
+  if (source.accept("<!ATTLIST")) return attributeList(source);
+  if (source.accept("<!ENTITY")) entity(source);
+  source.skipDeclaration();
+  return true;
+}
+
+// Declarations of external entities have no value to keep.
+void Doctype::entity(SubsetSource& source) {
+  const char* place = source.place();
+  if (!source.skipSpace()) return;
+  bool isParameter = source.accept("%");
+  if (!source.skipSpace()) return;
+  Token name = source.word("\"'>");
+  if (name.length == 0 || !source.skipSpace()) return;
+  Token value = source.quoted();
+  if (value.text == nullptr) return;
+
+  char* key = root_.arena.copy(name.text, name.length + 1);
+  key[name.length] = ';';
+  char* text = root_.arena.copy(value.text, value.length);
+  Decoded decoded = decoder_.decode(text, value.length, Mode::kEntity);
+  if (!decoded.inPlace) decoded.text = root_.arena.copy(decoded.text, decoded.length);
+  EntityTable& table = isParameter ? entities_.parameter : entities_.general;
+  table.add({key, name.length + 1, decoded.text, decoded.length, place});
+}
+
+bool Doctype::attributeList(SubsetSource& source) {
+  const char* place = source.place();
+  if (!source.skipSpace()) return fail(place, kUnclosedList);
+  Token element = source.word(">");
+  if (element.length == 0) return fail(place, kMalformedList);
+  for (;;) {
+    if (!source.skipSpace()) return fail(place, kUnclosedList);
+    if (source.accept(">")) return true;
+    Token name = source.word(">/=");
+    if (name.length == 0 || !source.atWordEnd()) return fail(place, kMalformedList);
+    Mode mode = Mode::kAttribute;
+    if (!source.skipSpace()) return fail(place, kUnclosedList);
+    if (!attributeType(source, &mode)) return fail(place, kMalformedList);
+    if (!source.skipSpace()) return fail(place, kUnclosedList);
+    if (!defaultValue(source, element, name, mode)) return fail(place, kMalformedList);
+  }
+}
+
+bool Doctype::attributeType(SubsetSource& source, Mode* mode) {
+  if (source.peek() != '(') {
+    Token type = source.word("(>\"'#");
+    bool characters = type.length == 5 && std::memcmp(type.text, "CDATA", 5) == 0;
+    bool notation = type.length == 8 && std::memcmp(type.text, "NOTATION", 8) == 0;
+    *mode = characters ? Mode::kAttribute : Mode::kTokens;
+    if (!notation) return type.length != 0;
+    if (!source.skipSpace()) return false;
+  }
+  *mode = Mode::kTokens;
+  return source.accept("(") && source.through(")").text != nullptr;
+}
+
+bool Doctype::defaultValue(SubsetSource& source, Token element, Token name, Mode mode) {
+  if (source.accept("#FIXED")) {
+    if (!source.skipSpace()) return false;
+  } else if (source.peek() == '#') {
+    return source.word(">").length > 1;
+  }
+  Token value = source.quoted();
+  if (value.text == nullptr) return false;
+  addDefault(element, name, value, mode);
+  return true;
+}
+
+void Doctype::addDefault(Token element, Token name, Token value, Mode mode) {
+  size_t list = index_.find(this, element.text, element.length);
+  if (list == NameIndex::kNone) {
+    list = defaults_.size();
+    defaults_.push_back({root_.arena.copy(element.text, element.length), {}});
+    index_.add(this, defaults_[list].element, element.length, list);
+  }
+  ElementDefaults& defaults = defaults_[list];
+  if (index_.find(defaults.element, name.text, name.length) != NameIndex::kNone) return;
+
+  char* text = root_.arena.copy(value.text, value.length);
+  Decoded decoded = decoder_.decode(text, value.length, mode);
+  if (!decoded.inPlace) decoded.text = root_.arena.copy(decoded.text, decoded.length);
+  const char* key = root_.arena.copy(name.text, name.length);
+  index_.add(defaults.element, key, name.length, defaults.attributes.size());
+  defaults.attributes.push_back({key, decoded.text, mode});
+}
+
+bool Doctype::fail(const char* place, const char* format, const char* argument) {
+  error_ = {place, format, argument};
+  return false;
+}
+
+// A circle is an error of the declaration that closes it, which stands before any other error
+// found.
+void Doctype::checkCircles() {
+  for (const EntityTable* table : {&entities_.general, &entities_.parameter}) {
+    const Entity* entity = table->firstCircular();
+    if (entity == nullptr) continue;
+    bool isCircle = error_.argument[0] != '\0';
+    if (isCircle && error_.place <= entity->place) continue;
+    fail(entity->place, "circular entity declaration &%s", entity->name);
+  }
+}
+
+// Puts what was declared into the document's tables.
+void Doctype::publish() {
+  const auto& general = entities_.general.all();
+  const char** entity =
+      root_.arena.array<const char*>(2 * (kPredefinedEntities + general.size()) + 1);
+  root_.ent = entity;
+  for (size_t i = 0; i < 2 * kPredefinedEntities; ++i) *entity++ = root_.predefined[i];
+  for (const Entity& declared : general) {
+    *entity++ = declared.name;
+    *entity++ = declared.value;
+  }
+  *entity = nullptr;
+
+  const char*** lists = root_.arena.array<const char**>(defaults_.size() + 1);
+  root_.attr = lists;
+  for (const ElementDefaults& defaults : defaults_) {
+    const char** text = root_.arena.array<const char*>(2 + 3 * defaults.attributes.size());
+    *lists++ = text;
+    *text++ = defaults.element;
+    for (const Default& attribute : defaults.attributes) {
+      *text++ = attribute.name;
+      *text++ = attribute.value;
+      *text++ = attribute.mode == Mode::kTokens ? "*" : " ";
+    }
+    *text = nullptr;
+  }
+  *lists = nullptr;
+}
+
+}  // namespace xml::internal

@@ -1,0 +1,186 @@
+// Changing the tree.
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "xml/memory.h"
+
+namespace xml {
+
+using internal::kOwnAttributes;
+
+namespace {
+
+void release(const char* text) { std::free(const_cast<char*>(text)); }
+
+size_t countPairs(const XmlNode& node) {
+  size_t texts = 0;
+  while (node.attr[texts] != nullptr) texts += 2;
+  return texts / 2;
+}
+
+// Gives the node, of `count` attributes, an array and owner text of its own with room for `room`.
+// Returns the owner text.
+char* ownAttributes(XmlNode& node, size_t count, size_t room) {
+  bool owned = (node.flags & kOwnAttributes) != 0;
+  const char** old = node.attr;
+  auto* array = static_cast<const char**>(
+      internal::reallocate(owned ? old : nullptr, (2 * room + 2) * sizeof(*old)));
+  if (!owned) std::memcpy(array, old, (2 * count + 2) * sizeof(*old));
+  const char* oldOwners = array[2 * count + 1];
+  auto* owners = static_cast<char*>(
+      internal::reallocate(owned ? const_cast<char*>(oldOwners) : nullptr, room + 1));
+  if (!owned) std::memcpy(owners, oldOwners, count + 1);
+  array[2 * count + 1] = owners;
+  node.attr = array;
+  node.flags |= kOwnAttributes;
+  return owners;
+}
+
+void appendPair(XmlNode& node, size_t count, const char* name, const char* value, bool copies) {
+  char* owners = ownAttributes(node, count, count + 1);
+  owners[count] = copies ? internal::kBorrowed | internal::kNameOwned | internal::kValueOwned
+                         : internal::kBorrowed;
+  owners[count + 1] = '\0';
+  const char** pair = node.attr + 2 * count;
+  pair[0] = name;
+  pair[1] = value;
+  pair[2] = nullptr;
+  pair[3] = owners;
+}
+
+// The stored name stays, so that a copy of it is released at once.
+void replaceValue(XmlNode& node, size_t count, size_t i, const char* name, const char* value,
+                  bool copies) {
+  if (copies && name != node.attr[2 * i]) release(name);
+  if (value == node.attr[2 * i + 1]) return;
+  char owner = node.attr[2 * count + 1][i];
+  bool owned = (owner & internal::kValueOwned) != 0;
+  if (owned) release(node.attr[2 * i + 1]);
+  if (owned != copies) {
+    ownAttributes(node, count, count)[i] = static_cast<char>(owner ^ internal::kValueOwned);
+  }
+  node.attr[2 * i + 1] = value;
+}
+
+void removePair(XmlNode& node, size_t count, size_t i) {
+  char* owners = ownAttributes(node, count, count);
+  const char** pair = node.attr + 2 * i;
+  if ((owners[i] & internal::kNameOwned) != 0) release(pair[0]);
+  if ((owners[i] & internal::kValueOwned) != 0) release(pair[1]);
+  std::memmove(pair, pair + 2, 2 * (count - i) * sizeof(*pair));
+  std::memmove(owners + i, owners + i + 1, count - i);
+  if (count != 1) return;
+  std::free(owners);
+  std::free(node.attr);
+  node.attr = internal::noAttributes();
+  node.flags &= static_cast<uint8_t>(~kOwnAttributes);
+}
+
+XmlNode* newNode(const XmlNode* parent) {
+  auto* root = static_cast<internal::RootImpl*>(internal::rootOf(parent));
+  if (root->nodes.full()) {
+    root->nodes.grow(std::clamp<size_t>(root->nodes.count() / 2, 8, 256));
+  }
+  return root->nodes.take();
+}
+
+// `firsts` is a parent's list of first elements by name, `ordered` its children in document order.
+// The first list keeps that order too, which makes the first child the head of both.
+void addFirst(XmlNode* ordered, XmlNode** firsts, XmlNode* node) {
+  for (XmlNode* at = ordered; at != node; at = at->ordered) {
+    if (at == *firsts) firsts = &at->sibling;
+  }
+  node->sibling = *firsts;
+  *firsts = node;
+}
+
+void removeFirst(XmlNode** firsts, XmlNode* node) {
+  while (*firsts != node) firsts = &(*firsts)->sibling;
+  *firsts = node->sibling;
+  node->sibling = nullptr;
+}
+
+// Takes a node out of a list linked by `link`. False when it is not there.
+bool removeFrom(XmlNode** list, XmlNode* XmlNode::*link, const XmlNode* node) {
+  while (*list != nullptr && *list != node) list = &((*list)->*link);
+  if (*list == nullptr) return false;
+  *list = node->*link;
+  return true;
+}
+
+// Puts a node into a list linked by `link`, behind all that stand no later in the parent's text.
+void insertByOffset(XmlNode** list, XmlNode* XmlNode::*link, XmlNode* node) {
+  while (*list != nullptr && (*list)->off <= node->off) list = &((*list)->*link);
+  node->*link = *list;
+  *list = node;
+}
+
+}  // namespace
+
+XmlNode* setText(XmlNode* node, const char* text) {
+  if (node == nullptr) return nullptr;
+  if ((node->flags & (kTextAllocated | internal::kTextInBlock)) == kTextAllocated) {
+    release(node->txt);
+  }
+  node->flags &= static_cast<uint8_t>(~(kTextAllocated | internal::kTextInBlock));
+  node->txt = text == nullptr ? "" : text;
+  return node;
+}
+
+XmlNode* setAttr(XmlNode* node, const char* name, const char* value) {
+  if (node == nullptr || name == nullptr) return node;
+  size_t count = countPairs(*node);
+  size_t i = 0;
+  while (i != count && std::strcmp(node->attr[2 * i], name) != 0) ++i;
+  bool copies = (node->flags & kAttributesAllocated) != 0;
+  if (value == nullptr) {
+    if (i != count) removePair(*node, count, i);
+  } else if (i == count) {
+    appendPair(*node, count, name, value, copies);
+  } else {
+    replaceValue(*node, count, i, name, value, copies);
+  }
+  return node;
+}
+
+XmlNode* addChild(XmlNode* parent, const char* name, size_t off) {
+  if (parent == nullptr || name == nullptr) return nullptr;
+  XmlNode* node = newNode(parent);
+  *node = {};
+  node->name = name;
+  node->attr = internal::noAttributes();
+  node->txt = "";
+  node->off = off;
+  node->parent = parent;
+
+  XmlNode* sameName = child(parent, name);
+  XmlNode* firsts = parent->child;
+  insertByOffset(&parent->child, &XmlNode::ordered, node);
+  if (sameName != nullptr && sameName->off <= off) {
+    insertByOffset(&sameName, &XmlNode::next, node);
+    return node;
+  }
+  if (sameName != nullptr) removeFirst(&firsts, sameName);
+  node->next = sameName;
+  addFirst(parent->child, &firsts, node);
+  return node;
+}
+
+XmlNode* cut(XmlNode* node) {
+  if (node == nullptr || node->parent == nullptr) return node;
+  XmlNode* firsts = node->parent->child;
+  XmlNode* sameName = child(node->parent, node->name);
+  if (removeFrom(&node->parent->child, &XmlNode::ordered, node)) {
+    if (sameName != node) {
+      removeFrom(&sameName, &XmlNode::next, node);
+    } else {
+      removeFirst(&firsts, node);
+      if (node->next != nullptr) addFirst(node->parent->child, &firsts, node->next);
+    }
+  }
+  node->next = node->sibling = node->ordered = nullptr;
+  return node;
+}
+
+}  // namespace xml

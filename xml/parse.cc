@@ -1,0 +1,185 @@
+// Everything between the tags, and the course of a parse.
+#include <cstdarg>
+#include <cstdio>
+
+#include "xml/parser.h"
+#include "xml/utf16.h"
+
+namespace xml::internal {
+
+namespace {
+
+constexpr const char* kOutside = "markup outside of root element";
+
+ptrdiff_t countLines(const char* p, const char* e) {
+  ptrdiff_t lines = 0;
+  while (p != e && (p = static_cast<const char*>(
+                        std::memchr(p, '\n', static_cast<size_t>(e - p)))) != nullptr) {
+    ++lines;
+    ++p;
+  }
+  return lines;
+}
+
+// Whether an XML declaration's text sets "standalone" to yes.
+bool saysStandalone(char* p, const char* e) {
+  constexpr char kWord[] = "standalone";
+  char* word = findText<'s'>(p, e, kWord, sizeof(kWord) - 1);
+  if (word == nullptr) return false;
+  p = skipSpace(word + sizeof(kWord) - 1, e);
+  if (p == e || *p != '=') return false;
+  p = skipSpace(p + 1, e);
+  if (e - p < 5) return false;
+  return (*p == '"' || *p == '\'') && std::memcmp(p + 1, "yes", 3) == 0 && p[4] == *p;
+}
+
+}  // namespace
+
+void Parser::run() {
+  if (content(p_, nullptr)) {
+    while (markup()) {
+    }
+  }
+  end();
+}
+
+void Parser::end() {
+  if (!failed_ && builder_.isOpen()) fail(p_, "unclosed tag <%s>", builder_.openName());
+  if (!failed_ && !builder_.hasRoot()) fail(p_, "root tag missing");
+  root_.cur = builder_.isOpen() ? builder_.openNode() : nullptr;
+  builder_.closeAll();
+  if (instructions_ != nullptr) instructions_->publish(root_);
+}
+
+// The same where bytes have to be decoded, from `stop` on.
+bool Parser::decodedContent(char* text, char* stop) {
+  p_ = find<MarkupOrEnd>(stop, e_);
+  if (peek(p_) == '\0') return false;
+  Decoded decoded = decode(text, static_cast<size_t>(p_ - text), Mode::kContent);
+  builder_.appendText(decoded.text, decoded.length, decoded.inPlace);
+  return true;
+}
+
+bool Parser::outsideContent(char* text, char* stop) {
+  stop = find<MarkupOrEnd>(stop, e_);
+  if (builder_.hasRoot()) {
+    text = skipSpace(text, stop);
+    if (text != stop) return fail(text, kOutside);
+  }
+  p_ = stop;
+  return peek(stop) != '\0';
+}
+
+bool Parser::declaration() {
+  if (goesOn(p_ + 1, "!--", 3)) return comment();
+  if (goesOn(p_ + 1, "![CDATA[", 8)) return characterData();
+  if (goesOn(p_ + 1, "!DOCTYPE", 8)) return documentType();
+  return fail(p_, "unexpected <");
+}
+
+bool Parser::comment() {
+  char* close = findText<'-'>(p_ + 4, e_, "-->", 3);
+  if (close == nullptr) return fail(p_, "unclosed <!--");
+  return content(close + 3, nullptr);
+}
+
+bool Parser::characterData() {
+  if (!builder_.isOpen()) return fail(p_, kOutside);
+  char* text = p_ + 9;
+  char* close = findText<']'>(text, e_, "]]>", 3);
+  if (close == nullptr) return fail(p_, "unclosed <![CDATA[");
+  builder_.appendText(text, static_cast<size_t>(close - text), true);
+  return content(close + 3, nullptr);
+}
+
+bool Parser::documentType() {
+  for (char* p = p_ + 9; peek(p) != '\0'; ++p) {
+    if (*p == '>') return content(p + 1, nullptr);
+    if (*p == '[') return internalSubset(p + 1);
+    if (*p != '"' && *p != '\'') continue;
+    char* close = *p == '"' ? find<OneOrEnd<'"'>>(p + 1, e_) : find<OneOrEnd<'\''>>(p + 1, e_);
+    if (peek(close) != '\0') p = close;
+  }
+  return fail(p_, "unclosed <!DOCTYPE");
+}
+
+// Only the first subset declares anything, a document has no other.
+bool Parser::internalSubset(char* start) {
+  if (doctype_ == nullptr) {
+    if (void* nul = std::memchr(start, '\0', static_cast<size_t>(e_ - start)); nul != nullptr) {
+      e_ = static_cast<char*>(nul);
+    }
+  }
+  const char* close = doctype_ == nullptr ? subsetEnd(start, e_) : plainSubsetEnd(start, e_);
+  if (close == nullptr) return fail(p_, "unclosed <!DOCTYPE");
+  auto length = static_cast<size_t>(close - start);
+  if (doctype_ == nullptr) {
+    doctype_ = std::make_unique<Doctype>(root_, decoder_);
+    decoder_.setEntities(&doctype_->entities());
+    DoctypeError error = doctype_->read(start, length);
+    if (error.format != nullptr) return fail(error);
+  }
+  return content(skipSpace(start + length + 1, e_) + 1, nullptr);
+}
+
+// The XML declaration is looked at, other instructions are kept.
+bool Parser::instruction() {
+  char* target = p_ + 2;
+  char* close = findText<'?'>(target, e_, "?>", 2);
+  if (close == nullptr) return fail(p_, "unclosed <?");
+  char* targetEnd = target;
+  while (targetEnd != close && !isSpace(*targetEnd)) ++targetEnd;
+  auto length = static_cast<size_t>(targetEnd - target);
+  char* text = skipSpace(targetEnd, close);
+  if (length == 3 && std::memcmp(target, "xml", 3) == 0) {
+    if (saysStandalone(text, close)) root_.standalone = 1;
+  } else {
+    if (instructions_ == nullptr) instructions_ = std::make_unique<Instructions>();
+    terminate(targetEnd);
+    *close = '\0';
+    instructions_->add(target, length, text, !builder_.hasRoot());
+  }
+  return content(close + 2, nullptr);
+}
+
+// Keeps the count of lines right, which decoding in place changes.
+Decoded Parser::decode(char* text, size_t length, Mode mode) {
+  lostLines_ += countLines(text, text + length);
+  Decoded decoded = decoder_.decode(text, length, mode);
+  lostLines_ -= countLines(text, text + length);
+  return decoded;
+}
+
+bool Parser::fail(const char* place, const char* format, ...) {
+  auto line = static_cast<int>(1 + countLines(root_.s, place) + lostLines_);
+  int length = std::snprintf(root_.err, sizeof(root_.err), "[error near line %d]: ", line);
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(root_.err + length, sizeof(root_.err) - static_cast<size_t>(length), format,
+                 arguments);
+  va_end(arguments);
+  failed_ = true;
+  return false;
+}
+
+bool Parser::fail(const DoctypeError& error) {
+  return fail(error.place, error.format, error.argument);
+}
+
+}  // namespace xml::internal
+
+namespace xml {
+
+XmlRoot* parseStr(char* data, size_t length) {
+  internal::RootImpl* root = internal::newRoot();
+  root->m = data;
+  root->len = static_cast<ptrdiff_t>(length);
+  root->u = internal::utf8FromUtf16(data, length, &length);
+  root->s = root->u != nullptr ? root->u : data;
+  root->e = root->s + length;
+  root->arena.expect(length);
+  internal::Parser(*root).run();
+  return root;
+}
+
+}  // namespace xml

@@ -1,0 +1,133 @@
+// The settings files as a tree: parse in place, look up, change, write back.
+//
+// A document lives from a parse entry point to freeDoc. Names, values and character data are cut
+// out of the input buffer where they lie, so the buffer belongs to the document from the call on
+// and every text of the tree is valid until freeDoc. Operations on a NULL node give NULL or do
+// nothing; only toXml and error then give an empty text. A document is used by one thread; nothing
+// is shared between documents but constants. Running out of memory ends the process, except in
+// parseStream.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <initializer_list>
+
+namespace xml {
+
+// Bits of XmlNode::flags: texts which the tree releases with free(). The lower bits are the tree's
+// own.
+constexpr uint8_t kNameAllocated = 0x80;
+constexpr uint8_t kTextAllocated = 0x40;
+// While set, setAttr takes over heap copies of name and value.
+constexpr uint8_t kAttributesAllocated = 0x20;
+
+// One element. `name` is NULL only in the root of a document without any element.
+struct XmlNode {
+  const char* name;
+  // Name, value, name, value, ..., NULL, then one text with a byte per attribute that says who owns
+  // the pair. Elements without attributes share one constant empty array.
+  const char** attr;
+  const char* txt;  // all character data of the element itself, "" when none
+  size_t off;       // bytes of the parent's txt that stand before this element
+  XmlNode* next;    // next element of the same name under the same parent
+  XmlNode*
+      sibling;  // first element of the next other name under the same parent; set in first ones
+  XmlNode* ordered;  // next element under the same parent in document order
+  XmlNode* child;    // first child element
+  XmlNode* parent;   // NULL in the root
+  uint8_t flags;
+};
+
+// A parsed document. Made by the parse functions only, since more state follows the listed fields.
+struct XmlRoot {
+  XmlNode xml;       // the root element
+  XmlNode* cur;      // element open while parsing; NULL once the root element is closed
+  char* m;           // the input buffer
+  ptrdiff_t len;     // its length in bytes, or -1 when freeDoc releases it with free()
+  char* u;           // UTF-8 copy of UTF-16 input, else NULL
+  char* s;           // first byte of the data, after any conversion
+  char* e;           // one past its last byte; data ends early at a NUL byte
+  const char** ent;  // general entities: name with its ";", replacement, ..., NULL
+  const char***
+      attr;  // declared defaults: {element, attribute, value, "*" or " " (CDATA), ..., NULL}
+  const char***
+      pi;  // instructions: {target, text, ..., NULL, '<' (before root) or '>' for each text}
+  short standalone;  // 1 when the XML declaration says standalone="yes"
+  char err[128];     // "[error near line %d]: %s" of the first error, or ""
+};
+
+// A step of get: the index-th (from 0) child of that name.
+struct Step {
+  const char* name;
+  int index;
+};
+
+// Reads and parses a whole file. NULL when it cannot be opened. Whatever else goes wrong is in
+// `err`: an unreadable or empty file gives a document without elements and "root tag missing". The
+// caller ends the document with freeDoc.
+XmlRoot* parseFile(const char* path);
+
+// The same on an open file, read from where it stands; it stays open. NULL for a negative
+// descriptor.
+XmlRoot* parseFd(int fd);
+
+// The same with what is left in a stream, which stays open. NULL when memory runs out.
+XmlRoot* parseStream(FILE* stream);
+
+// Parses `length` bytes in place. The buffer needs no spare byte; it is written to, stays the
+// caller's to release, and must outlive the document. Never NULL: on malformed input `err` is set
+// and the elements read up to there form the tree. General and parameter entities expand to no more
+// than 1 MiB in one document, references past that stay as written.
+XmlRoot* parseStr(char* data, size_t length);
+
+// First child element of that name, or NULL.
+XmlNode* child(const XmlNode* node, const char* name);
+
+// The n-th element after this one among those of its name (0: itself), or NULL when there are
+// fewer.
+XmlNode* idx(XmlNode* node, int n);
+
+// Value of an attribute, else the default declared for this element in the document type, else
+// NULL.
+const char* attr(const XmlNode* node, const char* name);
+
+// Walks down from `node`, one child per step, to NULL or the last one's element. The steps end with
+// the list or at an empty or NULL name; a negative index takes the first child of that name and
+// ends there.
+XmlNode* get(XmlNode* node, std::initializer_list<Step> steps);
+// The same with an array; its last step has an empty or NULL name.
+XmlNode* get(XmlNode* node, const Step* steps);
+
+// Replaces the element's own text; child elements keep their places in it as far as it reaches. The
+// text is not copied: it must outlive the last use of the tree. Returns the node.
+XmlNode* setText(XmlNode* node, const char* text);
+
+// Replaces an attribute's value, appends a new attribute, or removes it when the value is NULL.
+// Name and value are not copied: they must outlive the last use of the tree, unless
+// kAttributesAllocated is set in the node, which hands both over. Returns the node.
+XmlNode* setAttr(XmlNode* node, const char* name, const char* value);
+
+// Makes a child without attributes and text that stands `off` bytes into the parent's text, behind
+// the children already there. The name is not copied. The document owns the new element, which is
+// returned.
+XmlNode* addChild(XmlNode* parent, const char* name, size_t off);
+
+// Takes an element with its subtree out of its parent's lists; the document still owns it. The root
+// stays where it is. Returns the node.
+XmlNode* cut(XmlNode* node);
+
+// Writes the element and its subtree; for the root also the document's processing instructions, but
+// neither XML declaration, comments nor document type. A default declared for an element is written
+// as its attribute. Never NULL; "" for NULL or a node without a name. The caller releases the text
+// with free(); `length`, when given, receives its length without the NUL.
+char* toXml(const XmlNode* node, size_t* length = nullptr);
+
+// Releases the document with everything reachable from it, cut elements and allocated texts
+// included.
+void freeDoc(XmlRoot* root);
+
+// The error of the node's document, "" when there was none. Valid until freeDoc.
+const char* error(const XmlNode* node);
+
+}  // namespace xml
