@@ -1,0 +1,27 @@
+// Any input: the tree holds together, and what is written from it parses to an equal tree and to
+// the same text again.
+#include "fuzz/xml_buffer.h"
+#include "fuzz/xml_compare.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Buffer input = copyOf(data, size);
+  xml::Document document(xml::parseStr(input.get(), size));
+  checkTree(*document.get());
+  size_t length = 0;
+  Buffer text(xml::toXml(document.node(), &length));
+  REQUIRE(std::strlen(text.get()) == length);
+  if (document->xml.name == nullptr) {
+    REQUIRE(length == 0);
+    REQUIRE(document->err[0] != '\0');
+    return 0;
+  }
+
+  Buffer again = copyOf(text.get(), length);
+  xml::Document second(xml::parseStr(again.get(), length));
+  REQUIRE(second->err[0] == '\0');
+  checkTree(*second.get());
+  compareTrees(*document.get(), *second.get());
+  Buffer secondText(xml::toXml(second.node()));
+  REQUIRE(std::strcmp(text.get(), secondText.get()) == 0);
+  return 0;
+}
