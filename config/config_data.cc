@@ -6,8 +6,8 @@
 namespace onu {
 
 ConfigData& ConfigData::getInstance() {
-  static ConfigData* const instance = new ConfigData;
-  return *instance;
+  static ConfigData instance;
+  return instance;
 }
 
 int ConfigData::getCommInfo(CommInfo& info) const {

@@ -117,8 +117,8 @@ xml::XmlNode* findLoopPort(const SettingsFile& file, const std::string& port) {
 }  // namespace
 
 ProfileData& ProfileData::getInstance() {
-  static ProfileData* const instance = new ProfileData;
-  return *instance;
+  static ProfileData instance;
+  return instance;
 }
 
 int ProfileData::getVendorInfo(VendorInfo& info) const {

@@ -1,5 +1,8 @@
 #include "config/save_xml.h"
 
+#include <sys/statvfs.h>
+
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
@@ -12,11 +15,15 @@ struct Release {
   void operator()(char* text) const { std::free(text); }
 };
 
-// Whether the file can take `size` bytes. File systems that cannot reserve room are taken at their
-// word.
+// Whether the file can take `size` bytes. Flash file systems cannot reserve room; of those the room
+// that is free beside the old text counts.
 bool hasRoom(int file, std::size_t size) {
-  return ::fallocate(file, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0 ||
-         errno != ENOSPC;
+  if (::fallocate(file, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0) {
+    return true;
+  }
+  struct statvfs state {};
+  return errno == EOPNOTSUPP && ::fstatvfs(file, &state) == 0 &&
+         std::uint64_t{state.f_bavail} * state.f_frsize >= size;
 }
 
 }  // namespace

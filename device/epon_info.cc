@@ -1,7 +1,6 @@
 #include "device/epon_info.h"
 
 #include <array>
-#include <utility>
 
 #include "device/epon_tokens.h"
 #include "device/status_file.h"
@@ -31,13 +30,10 @@ int parseInfo(const char* path, EponOnuInfo& record) {
     debugTrace("open file infoEpon  fail !");
     return -1;
   }
-  std::array<std::string, 6> slots;
+  std::string firstAddress;  // only the second is reported
+  const std::array slots = {&record.state,          &record.etherType, &firstAddress,
+                            &record.unicastMacAddr, &record.txLLId1,   &record.txLLId2};
   splitTokens(text, TokenIndex::kPerLine, slots.data(), slots.size());
-  record.state = std::move(slots[0]);
-  record.etherType = std::move(slots[1]);
-  record.unicastMacAddr = std::move(slots[3]);  // over the first address, slot 2
-  record.txLLId1 = std::move(slots[4]);
-  record.txLLId2 = std::move(slots[5]);
   return 0;
 }
 
@@ -47,19 +43,19 @@ int parseCounters(const char* path, EponAllCnt& record) {
     debugTrace("open file allCnt  fail !");
     return -1;
   }
-  std::array<std::string, kCounters.size()> slots;
-  splitTokens(text, TokenIndex::kPerFile, slots.data(), slots.size());
+  std::array<std::string*, kCounters.size()> slots;
   for (std::size_t i = 0; i < slots.size(); ++i) {
-    record.*kCounters[i] = std::move(slots[i]);
+    slots[i] = &(record.*kCounters[i]);
   }
+  splitTokens(text, TokenIndex::kPerFile, slots.data(), slots.size());
   return 0;
 }
 
 }  // namespace
 
 EponInfo& EponInfo::getInstance() {
-  static EponInfo* const instance = new EponInfo;
-  return *instance;
+  static EponInfo instance;
+  return instance;
 }
 
 int EponInfo::getOnuInfo(EponOnuInfo& record) const {

@@ -17,8 +17,9 @@ std::string_view tokenPart(std::string_view line) {
 
 }  // namespace
 
-void splitTokens(std::string_view text, TokenIndex indexing, std::string* slots,
+void splitTokens(std::string_view text, TokenIndex indexing, std::string* const* slots,
                  std::size_t count) {
+  std::for_each(slots, slots + count, [](std::string* slot) { slot->clear(); });
   std::size_t index = 0;
   bool inToken = false;
   while (!text.empty()) {
@@ -33,7 +34,7 @@ void splitTokens(std::string_view text, TokenIndex indexing, std::string* slots,
       if (c == ' ') {
         index += inToken ? 1 : 0;
       } else if (index < count) {
-        slots[index].push_back(c);
+        slots[index]->push_back(c);
       }
       inToken = c != ' ';
     }

@@ -9,12 +9,13 @@ namespace onu {
 enum class TokenIndex { kPerFile, kPerLine };
 
 // Splits what the EPON driver prints: of every line that begins with "[" the text after its first
-// five characters and before its last one (the closing "]"), at runs of blanks. Tokens are appended
-// to the `count` texts at `slots`; those beyond are dropped.
+// five characters and before its last one (the closing "]"), at runs of blanks. The `count` texts
+// that `slots` points to are emptied and take one token each; those beyond are dropped.
 //
 // With kPerLine the n-th token of every line goes to slot n. With kPerFile the slots fill in the
 // order of the file, and a line whose sixth character is not a blank goes on with the last token of
 // the line before.
-void splitTokens(std::string_view text, TokenIndex indexing, std::string* slots, std::size_t count);
+void splitTokens(std::string_view text, TokenIndex indexing, std::string* const* slots,
+                 std::size_t count);
 
 }  // namespace onu

@@ -67,9 +67,9 @@ inline std::size_t readFully(int fd, char* data, std::size_t size) {
 inline bool writeFully(int fd, std::string_view data) {
   while (!data.empty()) {
     const ssize_t put = ::write(fd, data.data(), data.size());
-    if (put >= 0) {
+    if (put > 0) {
       data.remove_prefix(static_cast<std::size_t>(put));
-    } else if (errno != EINTR) {
+    } else if (put == 0 || errno != EINTR) {
       return false;
     }
   }

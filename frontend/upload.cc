@@ -31,7 +31,6 @@ bool UploadReader::read(int source, std::uint32_t length) {
     complete = got == want;
   }
   write({buffer.data(), held});  // never decided, so it was data
-  flush();
   return complete && !failed_;
 }
 
@@ -125,17 +124,6 @@ std::size_t UploadReader::takeData(std::string_view input) {
   return 0;
 }
 
-void UploadReader::write(std::string_view data) {
-  if (data.size() > pending_.size() - pendingSize_) {
-    flush();
-  }
-  std::memcpy(pending_.data() + pendingSize_, data.data(), data.size());
-  pendingSize_ += data.size();
-}
-
-void UploadReader::flush() {
-  failed_ = !writeFully(target_, {pending_.data(), pendingSize_}) || failed_;
-  pendingSize_ = 0;
-}
+void UploadReader::write(std::string_view data) { failed_ = !writeFully(target_, data) || failed_; }
 
 }  // namespace onu

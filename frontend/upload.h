@@ -27,10 +27,9 @@ class UploadReader {
  private:
   enum class State { kBoundary, kField, kFileName, kHeader, kData, kDone };
 
-  static constexpr std::size_t kBlock = 1024;
+  static constexpr std::size_t kBlock = 32 * 1024;
   static constexpr std::size_t kBoundaryMax = 100;
   static constexpr std::size_t kDelimiterMax = 2 + kBoundaryMax;  // CR LF and the boundary
-  static constexpr std::size_t kPending = 0x4000;
 
   std::size_t scan(std::string_view input);
   void takeHeader(char c);
@@ -39,7 +38,6 @@ class UploadReader {
   bool completes(std::string_view pattern, char c);
   std::size_t takeData(std::string_view input);
   void write(std::string_view data);
-  void flush();
 
   int target_;
   NameArea& area_;
@@ -49,8 +47,6 @@ class UploadReader {
   std::size_t boundarySize_ = 0;  // of the whole line, also where it is longer than what is kept
   std::size_t matched_ = 0;       // bytes of the text that ends the current state
   std::size_t nameEnd_ = 0;
-  std::array<char, kPending> pending_;  // data on its way to the target
-  std::size_t pendingSize_ = 0;
   bool failed_ = false;
 };
 

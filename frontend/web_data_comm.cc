@@ -40,12 +40,11 @@ std::string readBody(std::uint32_t length) {
 
 }  // namespace
 
+WebDataComm::WebDataComm() { debugTrace("WebDataComm  getInstance is starting !"); }
+
 WebDataComm& WebDataComm::getInstance() {
-  static WebDataComm* const instance = [] {
-    debugTrace("WebDataComm  getInstance is starting !");
-    return new WebDataComm;
-  }();
-  return *instance;
+  static WebDataComm instance;
+  return instance;
 }
 
 int WebDataComm::readRequestMethod(std::uint32_t& length, RequestMethod& method) const {

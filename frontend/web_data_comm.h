@@ -38,7 +38,7 @@ class WebDataComm {
   const char* storedName() const { return area_.data(); }
 
  private:
-  WebDataComm() = default;
+  WebDataComm();
 
   std::array<char, 256> area_{};
 };

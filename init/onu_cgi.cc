@@ -15,26 +15,26 @@ namespace {
 constexpr const char* kUploadPath = "/tmp/recFile";  // where import and upgrade expect their file
 constexpr int kBadRequest = 400;
 
-// Puts the text to dispatch into `text`: of an upload the query string of its URL, once the file is
-// stored. Otherwise answers the request and returns false.
-bool readRequest(const onu::ResponseWriter& reply, std::string& text) {
+// Puts the text to dispatch into the request: of an upload the query string of its URL, once the
+// file is stored. Otherwise answers the request and returns false.
+bool readRequest(onu::WebRequest& request) {
   onu::WebDataComm& web = onu::WebDataComm::getInstance();
   onu::ContentType type = onu::ContentType::kForm;
   web.readContentType(type);
   if (type != onu::ContentType::kMultipart) {
-    if (web.readRequestText(text) != 0) {
-      reply.sendErrorPage(kBadRequest, "read request fail");
+    if (web.readRequestText(request.text) != 0) {
+      request.reply.sendErrorPage(kBadRequest, "read request fail");
       return false;
     }
     return true;
   }
   if (web.receiveFile(kUploadPath) != 0) {
     ::unlink(kUploadPath);  // a stale or partial file must never reach an import or an upgrade
-    reply.sendErrorPage(kBadRequest, "receive file fail");
+    request.reply.sendErrorPage(kBadRequest, "receive file fail");
     return false;
   }
   const char* const query = std::getenv("QUERY_STRING");
-  text = query == nullptr ? "" : query;
+  request.text = query == nullptr ? "" : query;
   return true;
 }
 
@@ -48,9 +48,8 @@ void complain(const char* what) {
 int main() {
   try {
     onu::WebRequest request;
-    std::string text;
-    if (readRequest(request.reply, text)) {
-      onu::RequestProcess(request, text, onu::kCommands);
+    if (readRequest(request)) {
+      onu::RequestProcess(request, request.text, onu::kCommands);
     }
   } catch (const std::exception& error) {
     // Too short a value where a command cuts a part out of it: there is no reply to make of that.

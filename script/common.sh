@@ -2,8 +2,11 @@
 # shellcheck shell=bash
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# shellcheck disable=SC2034 # for the scripts that read this one
 build_packages="g++ cmake ninja-build"
+# shellcheck disable=SC2034
 unit_packages="bubblewrap busybox-static libubootenv-tool"
+# shellcheck disable=SC2034
 test_packages="libgtest-dev python3"
 
 # Installs those of the Debian packages that are missing, with sudo where we are not root.
@@ -21,13 +24,13 @@ need_packages() {
     --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Configures and builds the preset, saying little when all goes well.
-build_preset() {
-  local preset=$1
-  cd "$root"
-  cmake --preset "$preset" >"/tmp/onu-$preset.log" 2>&1 &&
-    cmake --build --preset "$preset" >>"/tmp/onu-$preset.log" 2>&1 || {
-    cat "/tmp/onu-$preset.log" >&2
-    return 1
+# Configures and builds the preset; silent when all goes well.
+build_preset() (
+  preset=$1
+  log=$root/build/$preset.log
+  cd "$root" && mkdir -p build || exit 1
+  cmake --preset "$preset" >"$log" 2>&1 && cmake --build --preset "$preset" >>"$log" 2>&1 || {
+    cat "$log" >&2
+    exit 1
   }
-}
+)

@@ -326,6 +326,8 @@ TEST_F(MainSettings, KeepTheFileOnAFullDisk) {
   std::ofstream("/small/filler") << std::string(70000, 'x');  // as much as fits
   EXPECT_EQ(config().setSn(std::string(8192, 's')), 0);
   EXPECT_EQ(readFile(kSettings), before);
+  EXPECT_EQ(config().setSn("shorter"), 0);
+  EXPECT_NE(readFile(kSettings).find("<sn>shorter</sn>"), std::string::npos);
   std::filesystem::remove("/small/filler");
   EXPECT_EQ(config().setSn(std::string(8192, 's')), 0);
   std::string sn;

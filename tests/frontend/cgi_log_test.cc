@@ -7,7 +7,6 @@
 #include <cctype>
 #include <cstdlib>
 
-#include "frontend/debug_trace.h"
 #include "tests/support/unit.h"
 
 namespace onu {
@@ -58,8 +57,6 @@ TEST(CgiLog, StampsLocalTime) {
   EXPECT_LE(utc, after);
   CgiLog::formatTimeStamp(nullptr);
 }
-
-TEST(DebugTrace, IgnoresAWrongArgumentCount) { debugTrace("%s %s %n", 1); }
 
 }  // namespace
 }  // namespace onu

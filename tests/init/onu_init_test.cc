@@ -86,6 +86,12 @@ TEST_F(Init, StandsUnreadableSettings) {
   EXPECT_EQ(outcome.tools,
             std::vector<std::string>{"ifconfig eth0 192.168.1.1 netmask 255.255.255.0 up"});
   EXPECT_FALSE(exists(kSettings));
+  EXPECT_EQ(outcome.status, 0);
+}
+
+TEST_F(Init, BringsTheInterfaceUpThoughNobodyListens) {
+  const Outcome outcome = run("/bin/busybox", {"sh", "-c", "/sbin/onu-init | :; sleep 1"});
+  EXPECT_FALSE(outcome.tools.empty());
 }
 
 TEST_F(Init, StopsWithoutABootloaderAddress) {

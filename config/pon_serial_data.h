@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "config/paths.h"
+
+namespace onu {
+
+// The GPON serial settings file: with what the unit registers at the line terminal. Every call
+// reads it anew and a setter writes it back as a whole, only when its value has changed; writing is
+// not checked.
+class PonSerialData {
+ public:
+  // Created on first use, never destroyed.
+  static PonSerialData& getInstance();
+
+  // 0, or -1 when the file cannot be opened or has no PON group. 0 with `value` untouched when the
+  // group lacks the element.
+  int getPonSerialNum(std::string& value) const;
+  int getPonPassword(std::string& value) const;
+  // "1": the serial number ends in part of the MAC address; else it is used as stored.
+  int getPonSerialSrc(std::string& value) const;
+
+  // 0, or -1 when the file cannot be opened or the element is missing.
+  int setPonSerialNum(const std::string& value) const;
+  int setPonPassword(const std::string& value) const;
+  int setPonSerialSrc(const std::string& value) const;
+
+ private:
+  PonSerialData() = default;
+  int get(const char* name, std::string& value) const;
+  int set(const char* name, const std::string& value) const;
+
+  const char* path_ = kGponSettingsPath;
+};
+
+}  // namespace onu

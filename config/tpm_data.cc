@@ -1,0 +1,139 @@
+#include "config/tpm_data.h"
+
+#include "config/settings_file.h"
+#include "frontend/query.h"
+
+namespace onu {
+namespace {
+
+constexpr const char* kWeight = "weight";
+constexpr const char* kSize = "size";
+
+// The WAN side among the modules and MACs of the file, which stand in the order of their numbers.
+constexpr int kWan = 2;
+
+// The queue 0 of a list of queues; null when the way to it is broken anywhere.
+using FirstQueue = xml::XmlNode* (*)(const SettingsFile&);
+
+xml::XmlNode* firstTxQueue(const SettingsFile& file) {
+  xml::XmlNode* const modules = file.find({"port_init", "tx_module_parameters", "tx_mod"});
+  return xml::child(xml::child(xml::idx(modules, kWan), "queue_map"), "queue");
+}
+
+xml::XmlNode* firstRxQueue(const SettingsFile& file) {
+  xml::XmlNode* const macs = file.find({"port_init", "gmac_config", "gmac_rx_queues", "gmac"});
+  return xml::child(xml::idx(macs, kWan), "queue");
+}
+
+int readQueues(const char* path, FirstQueue first, const char* attribute, QueueTexts& values) {
+  const SettingsFile file(path);
+  if (file.find({"port_init"}) == nullptr) {
+    return -1;
+  }
+  const xml::XmlNode* queue = first(file);
+  for (std::string& value : values) {
+    if (queue == nullptr) {
+      break;
+    }
+    copyAttribute(queue, attribute, value);
+    queue = queue->next;
+  }
+  return 0;
+}
+
+int writeQueue(const char* path, FirstQueue first, const char* attribute, const std::string& queue,
+               const std::string& value) {
+  const std::int32_t number = toNumber(queue);
+  if (number < 0) {
+    return -1;
+  }
+  const SettingsFile file(path);
+  xml::XmlNode* const element = xml::idx(first(file), number);
+  return file.finish(editAttribute(element, attribute, value, Write::kAlways));
+}
+
+// A limit that the file does not have is not made up.
+struct MtuElement {
+  const char* name;
+  std::string MtuInfo::*field;
+};
+constexpr MtuElement kMtuElements[] = {
+    {"mtu_setting_enabled", &MtuInfo::mtuSettingEnable},
+    {"ipv4_mtu_ds", &MtuInfo::ipv4DsMtu},
+    {"ipv4_mtu_us", &MtuInfo::ipv4UsMtu},
+    {"ipv4_pppoe_mtu_us", &MtuInfo::ipv4pppoeUsMtu},
+};
+
+}  // namespace
+
+TpmData& TpmData::getInstance() {
+  static TpmData instance;
+  return instance;
+}
+
+int TpmData::getMtu(MtuInfo& info) const {
+  const SettingsFile file(path_);
+  const xml::XmlNode* const group = file.find({"mtu_setting"});
+  for (const auto& [name, field] : kMtuElements) {
+    copyText(xml::child(group, name), info.*field);
+  }
+  return group == nullptr ? -1 : 0;
+}
+
+int TpmData::setMtu(const MtuInfo& info) const {
+  const SettingsFile file(path_);
+  const xml::XmlNode* const group = file.find({"mtu_setting"});
+  for (const auto& [name, field] : kMtuElements) {
+    editText(xml::child(group, name), info.*field, Write::kIfChanged);
+  }
+  return file.finish(group == nullptr ? Edit::kFailed : Edit::kDone);
+}
+
+int TpmData::getSchedMethod(std::string& method) const {
+  const SettingsFile file(path_);
+  return copyAttribute(firstTxQueue(file), "sched_method", method) ? 0 : -1;
+}
+
+int TpmData::setSchedMethod(const std::string& method) const {
+  const SettingsFile file(path_);
+  for (xml::XmlNode* queue = firstTxQueue(file); queue != nullptr; queue = queue->next) {
+    editAttribute(queue, "sched_method", method, Write::kAlways);
+  }
+  return file.finish(file.find({"port_init"}) == nullptr ? Edit::kFailed : Edit::kDone);
+}
+
+int TpmData::getQueueWeights(QueueTexts& weights) const {
+  return readQueues(path_, firstTxQueue, kWeight, weights);
+}
+
+int TpmData::setQueueWeight(const std::string& queue, const std::string& weight) const {
+  return writeQueue(path_, firstTxQueue, kWeight, queue, weight);
+}
+
+int TpmData::getTxQueueSizes(QueueTexts& sizes) const {
+  return readQueues(path_, firstTxQueue, kSize, sizes);
+}
+
+int TpmData::setTxQueueSize(const std::string& queue, const std::string& size) const {
+  return writeQueue(path_, firstTxQueue, kSize, queue, size);
+}
+
+int TpmData::getRxQueueSizes(QueueTexts& sizes) const {
+  return readQueues(path_, firstRxQueue, kSize, sizes);
+}
+
+int TpmData::setRxQueueSize(const std::string& queue, const std::string& size) const {
+  return writeQueue(path_, firstRxQueue, kSize, queue, size);
+}
+
+int TpmData::setFlowControl(const std::string& enabled) const {
+  const SettingsFile file(path_);
+  const xml::XmlNode* const group = file.find({"flow_control"});
+  if (group == nullptr) {
+    return -1;
+  }
+  xml::XmlNode* const element = xml::child(group, "enabled");
+  return element == nullptr ? 0 : file.finish(editText(element, enabled, Write::kIfChanged));
+}
+
+}  // namespace onu

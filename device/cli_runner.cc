@@ -1,0 +1,48 @@
+#include "device/cli_runner.h"
+
+#include "device/shell.h"
+#include "device/status_file.h"
+#include "frontend/debug_trace.h"
+#include "frontend/fd.h"
+
+namespace onu {
+namespace {
+
+constexpr const char* kCaptured = "/tmp/info_file";
+
+// `output` follows the script's name in the command line. A script that cannot be written leaves
+// clish without one, which changes nothing on the unit.
+void runScript(const std::string& script, const std::string& mode, const std::string& command,
+               const std::string& output) {
+  {
+    const Fd file = Fd::open(script.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
+    if (file) {
+      writeFully(file.get(), mode + "\n" + command + "\n\nquit\n");
+    }
+  }
+  runShell("clish <" + script + output);
+  runShell("rm -f " + script);
+}
+
+}  // namespace
+
+void CliRunner::run(const std::string& mode, const std::string& command) {
+  runScript("/tmp/TempFile", mode, command, " >/dev/null ");
+}
+
+void CliRunner::runAndCapture(const std::string& mode, const std::string& command) {
+  runScript("/tmp/TmpFile", mode, command, std::string(" > ") + kCaptured);
+}
+
+bool CliRunner::isFecEnabled() {
+  runAndCapture("eoam", "show pon fec_mode");
+  std::string answer;
+  if (readStatusFile(kCaptured, answer) != 0) {
+    debugTrace("open file info_file  fail !");
+    return false;
+  }
+  runShell(std::string("rm -f ") + kCaptured);
+  return answer.find("FEC Enabled") != std::string::npos;
+}
+
+}  // namespace onu
