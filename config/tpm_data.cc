@@ -12,7 +12,7 @@ constexpr const char* kSize = "size";
 // The WAN side among the modules and MACs of the file, which stand in the order of their numbers.
 constexpr int kWan = 2;
 
-// The queue 0 of a list of queues; null when the way to it is broken anywhere.
+// Queue 0 of a list of queues; null when any element on the way to it is missing.
 using FirstQueue = xml::XmlNode* (*)(const SettingsFile&);
 
 xml::XmlNode* firstTxQueue(const SettingsFile& file) {
@@ -52,7 +52,7 @@ int writeQueue(const char* path, FirstQueue first, const char* attribute, const 
   return file.finish(editAttribute(element, attribute, value, Write::kAlways));
 }
 
-// A limit that the file does not have is not made up.
+// Each of them is read and stored only where the file has it.
 struct MtuElement {
   const char* name;
   std::string MtuInfo::*field;

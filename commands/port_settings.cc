@@ -1,0 +1,82 @@
+#include "commands/port_settings.h"
+
+#include "commands/get_or_set.h"
+#include "config/config_data.h"
+#include "config/tpm_data.h"
+#include "device/cli_runner.h"
+
+namespace onu {
+namespace {
+
+constexpr const char* kAgingPort = "0";
+
+std::string portObject(const PhyPortInfo& port) {
+  JsonFields fields;
+  fields["auto"] = port.auto_neg;
+  fields["flow_control"] = port.flow_control;
+  fields["link"] = "net_up";  // whatever the link does
+  fields["mode_max"] = port.mode_max;
+  fields["phy"] = port.phy_admin;
+  fields["port_id"] = port.port;
+  fields["work_mode"] = port.mode;
+  return toJsonObject(fields);
+}
+
+void sendPorts(WebRequest& request) {
+  std::vector<PhyPortInfo> ports;
+  ConfigData::getInstance().getPhyPorts(ports);
+  std::string body = "[ ";
+  for (const PhyPortInfo& port : ports) {
+    body += portObject(port) + ",";
+  }
+  body.back() = ']';  // in place of the last comma, or of the blank when there is no port
+  request.reply.sendJsonResponse(body);
+}
+
+void applyPort(const PhyPortInfo& port) {
+  // Negotiation is always on, on the WAN port whatever port was stored, and "flase" is the word
+  // that goes to clish.
+  CliRunner::run("tpm", "config\nport autoneg 0 WAN true " + port.mode + "\nport fc 0 WAN " +
+                            (port.flow_control == "0" ? "flase" : "true") + "\n");
+}
+
+void storePort(WebRequest& request) {
+  PhyPortInfo port;
+  port.port = getParam(request.query, "port");
+  port.flow_control = getParam(request.query, "flow_control");
+  port.auto_neg = getParam(request.query, "auto");
+  port.mode = getParam(request.query, "mode");
+  if (ConfigData::getInstance().setPhyPort(port) == -1) {
+    return request.reply.sendJsonResponse("1  ");
+  }
+  TpmData::getInstance().setFlowControl(port.flow_control);
+  applyPort(port);
+  request.reply.sendJsonResponse("0");
+}
+
+void sendMacAging(WebRequest& request) {
+  std::string time;
+  if (ConfigData::getInstance().getMacAgingTime(kAgingPort, time) != 0) {
+    return request.reply.sendJsonResponse("1");
+  }
+  JsonFields fields;
+  fields["aging_time"] = time;  // the parameter that stores it is age_time
+  request.reply.sendJsonResponse(toJsonObject(fields));
+}
+
+void storeMacAging(WebRequest& request) {
+  const std::string time = getParam(request.query, "age_time");
+  if (ConfigData::getInstance().setMacAgingTime(kAgingPort, time) != 0) {
+    return request.reply.sendJsonResponse(" 1");
+  }
+  CliRunner::run("eoam", "port mac_aging_time 0 UNI_0 " + time);
+  request.reply.sendJsonResponse(" 0");
+}
+
+}  // namespace
+
+void configurePort(WebRequest& request) { getOrSet(request, sendPorts, storePort); }
+
+void configureMacAging(WebRequest& request) { getOrSet(request, sendMacAging, storeMacAging); }
+
+}  // namespace onu

@@ -1,0 +1,146 @@
+#include "commands/traffic_shaping.h"
+
+#include <array>
+
+#include "commands/get_or_set.h"
+#include "config/config_data.h"
+#include "config/tpm_data.h"
+#include "device/shell.h"
+
+namespace onu {
+namespace {
+
+void sendScheduling(WebRequest& request) {
+  JsonFields fields;
+  if (TpmData::getInstance().getSchedMethod(fields["algo_mode"]) != 0) {
+    return request.reply.sendJsonResponse("error");
+  }
+  request.reply.sendJsonResponse(toJsonObject(fields));
+}
+
+void storeScheduling(WebRequest& request) {
+  TpmData::getInstance().setSchedMethod(getParam(request.query, "algo_mode"));
+  request.reply.sendJsonResponse("0");
+}
+
+using QueueKeys = std::array<const char*, std::tuple_size_v<QueueTexts>>;
+
+constexpr QueueKeys kWeightKeys = {"queue0", "queue1", "queue2", "queue3",
+                                   "queue4", "queue5", "queue6", "queue7"};
+constexpr QueueKeys kSizeKeys = {"size0", "size1", "size2", "size3",
+                                 "size4", "size5", "size6", "size7"};
+
+// A value that each queue of a list has: the keys of its reply by queue number, the parameters that
+// name a queue and its new value, and where it is kept.
+struct QueueValue {
+  const QueueKeys& keys;
+  const char* queueParameter;
+  const char* valueParameter;
+  int (TpmData::*get)(QueueTexts&) const;
+  int (TpmData::*set)(const std::string&, const std::string&) const;
+};
+constexpr QueueValue kWeights = {kWeightKeys, "que_id", "usr_pri", &TpmData::getQueueWeights,
+                                 &TpmData::setQueueWeight};
+constexpr QueueValue kTransmitSizes = {kSizeKeys, "voq_id", "voq_thresh", &TpmData::getTxQueueSizes,
+                                       &TpmData::setTxQueueSize};
+constexpr QueueValue kReceiveSizes = {kSizeKeys, "voq_id", "voq_thresh", &TpmData::getRxQueueSizes,
+                                      &TpmData::setRxQueueSize};
+
+void sendQueues(WebRequest& request, const QueueValue& value) {
+  QueueTexts texts;
+  if ((TpmData::getInstance().*value.get)(texts) != 0) {
+    return request.reply.sendJsonResponse("error");
+  }
+  JsonFields fields;
+  for (std::size_t queue = 0; queue < texts.size(); ++queue) {
+    fields[value.keys[queue]] = std::move(texts[queue]);
+  }
+  request.reply.sendJsonResponse(toJsonObject(fields));
+}
+
+void storeQueue(WebRequest& request, const QueueValue& value) {
+  const int result = (TpmData::getInstance().*value.set)(
+      getParam(request.query, value.queueParameter), getParam(request.query, value.valueParameter));
+  request.reply.sendJsonResponse(result == 0 ? "0" : "1");
+}
+
+void configureQueues(WebRequest& request, const QueueValue& value) {
+  if (request.action == 0) {
+    sendQueues(request, value);
+  } else if (request.action == 1) {
+    storeQueue(request, value);
+  }
+}
+
+// What a rate holds for: the words in front of it and the traffic manager's file that takes them.
+struct RateTarget {
+  const char* words;
+  const char* file;
+};
+constexpr RateTarget kBroadcast = {"UNI_ANY 1 ", "rate_limit_queue_set"};
+constexpr RateTarget kMulticast = {"UNI_ANY 7 ", "rate_limit_queue_set"};
+constexpr RateTarget kInterface = {"UNI_ANY ", "rate_limit_if_set"};
+constexpr RateTarget kInterfaceLimited = {"UNI_ANY  ", "rate_limit_if_set"};  // two blanks
+
+// The highest rate that the traffic manager takes, which limits nothing.
+constexpr const char* kNoLimit = "1048568";
+
+void limitRate(const RateTarget& target, const std::string& rate) {
+  for (const char* const direction : {"us", "ds"}) {
+    runShell(std::string("echo 0 ") + direction + " " + target.words + rate +
+             " 1536 > /sys/devices/platform/tpm/cfg_traffic/" + target.file);
+  }
+}
+
+void applyStormLimit(const std::string& mode, const std::string& rate) {
+  if (mode == "0") {
+    limitRate(kBroadcast, rate);
+  } else if (mode == "1") {
+    limitRate(kMulticast, rate);
+  } else if (mode == "2") {
+    limitRate(kInterfaceLimited, rate);
+  } else if (mode == "3") {
+    limitRate(kBroadcast, kNoLimit);
+    limitRate(kMulticast, kNoLimit);
+    limitRate(kInterface, kNoLimit);
+  }
+}
+
+void sendStormLimit(WebRequest& request) {
+  std::string mode;
+  std::string rate;
+  if (ConfigData::getInstance().getStorm(mode, rate) == -1) {
+    return request.reply.sendJsonResponse("[]");
+  }
+  JsonFields fields;
+  fields["bc_mode"] = mode;
+  fields["rate"] = rate;
+  request.reply.sendJsonResponse("[" + toJsonObject(fields) + "]");
+}
+
+void storeStormLimit(WebRequest& request) {
+  const std::string mode = getParam(request.query, "bs");
+  const std::string rate = getParam(request.query, "bs_thresh");
+  applyStormLimit(mode, rate);
+  const int result = ConfigData::getInstance().setStorm(mode, rate);
+  request.reply.sendJsonResponse(result == 0 ? "0" : "1");
+}
+
+}  // namespace
+
+void configureScheduling(WebRequest& request) {
+  getOrSet(request, sendScheduling, storeScheduling);
+}
+
+void configureQueueWeights(WebRequest& request) { configureQueues(request, kWeights); }
+
+void configureQueueSizes(WebRequest& request) {
+  const bool receive = getParam(request.query, "voq_dir") == "0";
+  configureQueues(request, receive ? kReceiveSizes : kTransmitSizes);
+}
+
+void configureStormLimit(WebRequest& request) {
+  getOrSet(request, sendStormLimit, storeStormLimit);
+}
+
+}  // namespace onu
