@@ -33,10 +33,13 @@ void splitTokens(std::string_view text, TokenIndex indexing, std::string* const*
     for (const char c : part) {
       if (c == ' ') {
         index += inToken ? 1 : 0;
-      } else if (index < count) {
+        inToken = false;
+        continue;
+      }
+      inToken = true;
+      if (index < count) {
         slots[index]->push_back(c);
       }
-      inToken = c != ' ';
     }
   }
 }

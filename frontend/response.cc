@@ -12,13 +12,13 @@ std::string& JsonFields::operator[](std::string_view key) {
   if (fields_.empty()) {
     fields_.reserve(kUsual);
   }
-  if (fields_.empty() || fields_.back().first < key) {
-    return fields_.emplace_back(key, std::string()).second;
+  if (fields_.empty() || fields_.back().key < key) {
+    return fields_.emplace_back(key).value;
   }
   const auto at = std::lower_bound(
       fields_.begin(), fields_.end(), key,
-      [](const Field& field, std::string_view wanted) { return field.first < wanted; });
-  return at->first == key ? at->second : fields_.emplace(at, key, std::string())->second;
+      [](const Field& field, std::string_view wanted) { return field.key < wanted; });
+  return at->key == key ? at->value : fields_.emplace(at, key)->value;
 }
 
 std::string toJsonObject(const JsonFields& fields) {

@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace onu {
@@ -11,7 +10,12 @@ namespace onu {
 // are literals of the commands: they are not copied and must outlive the fields.
 class JsonFields {
  public:
-  using Field = std::pair<std::string_view, std::string>;
+  struct Field {
+    explicit Field(std::string_view name) : key(name) {}
+
+    std::string_view key;
+    std::string value;
+  };
 
   // The value of `key`, a new and empty one when there is none yet. Valid until the next new key.
   std::string& operator[](std::string_view key);

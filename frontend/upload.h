@@ -27,7 +27,7 @@ class UploadReader {
  private:
   enum class State { kBoundary, kField, kFileName, kHeader, kData, kDone };
 
-  static constexpr std::size_t kBlock = 32 * 1024;
+  static constexpr std::size_t kBlock = 0x8000;
   static constexpr std::size_t kBoundaryMax = 100;
   static constexpr std::size_t kDelimiterMax = 2 + kBoundaryMax;  // CR LF and the boundary
 
