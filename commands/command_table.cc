@@ -7,6 +7,7 @@
 #include "commands/maintenance.h"
 #include "commands/network.h"
 #include "commands/optical_readings.h"
+#include "commands/pon_authentication.h"
 #include "commands/pon_counters.h"
 #include "commands/port_settings.h"
 #include "commands/port_status.h"
@@ -22,6 +23,7 @@ constexpr std::array kRows = {
     Command{2, "unit information", getUnitInformation},
     Command{3, "optical readings", getOpticalReadings},
     Command{4, "port status", getPortStatus},
+    Command{5, "PON authentication", authenticatePon},
     Command{6, "IP address", configureIpAddress},
     Command{8, "PON counters", getPonCounters},
     Command{10, "configuration export and import", transferConfiguration},

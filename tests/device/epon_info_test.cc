@@ -17,16 +17,15 @@ class PonCounters : public Unit {
   // The reply with the given values, in the order of the driver's file.
   static std::string expected(std::vector<std::string> v) {
     v.resize(20);
-    return json("{rxCtrlFrames:\"" + v[4] + "\",rxDataFrames:\"" + v[3] + "\",rxFcsFrames:\"" +
-                v[0] + "\",rxGateFrames:\"" + v[6] + "\",rxLongFrames:\"" + v[2] +
-                "\",rxReportFrames:\"" + v[5] + "\",rxShortFrames:\"" + v[1] +
-                "\",swRegAckFrames:\"" + v[16] + "\",swRegDeRegFrames:\"" + v[18] +
-                "\",swRegNackFrames:\"" + v[17] + "\",swRegReRegFrams:\"" + v[19] +
-                "\",swRxErrorFrames:\"" + v[15] + "\",swRxTotalFrames:\"" + v[14] +
-                "\",swTxErorFrames:\"" + v[13] + "\",swTxTotalFrames:\"" + v[12] +
-                "\",txByteAllow:\"" + v[11] + "\",txDataFrames:\"" + v[10] +
-                "\",txRegisterAckFrames:\"" + v[8] + "\",txRegisterRequestFrames:\"" + v[7] +
-                "\",txReportFrames:\"" + v[9] + "\"}");
+    return json(
+        "{rxCtrlFrames:\"" + v[4] + "\",rxDataFrames:\"" + v[3] + "\",rxFcsFrames:\"" + v[0] +
+        "\",rxGateFrames:\"" + v[6] + "\",rxLongFrames:\"" + v[2] + "\",rxReportFrames:\"" + v[5] +
+        "\",rxShortFrames:\"" + v[1] + "\",swRegAckFrames:\"" + v[16] + "\",swRegDeRegFrames:\"" +
+        v[18] + "\",swRegNackFrames:\"" + v[17] + "\",swRegReRegFrams:\"" + v[19] +
+        "\",swRxErrorFrames:\"" + v[15] + "\",swRxTotalFrames:\"" + v[14] + "\",swTxErorFrames:\"" +
+        v[13] + "\",swTxTotalFrames:\"" + v[12] + "\",txByteAllow:\"" + v[11] +
+        "\",txDataFrames:\"" + v[10] + "\",txRegisterAckFrames:\"" + v[8] +
+        "\",txRegisterRequestFrames:\"" + v[7] + "\",txReportFrames:\"" + v[9] + "\"}");
   }
 };
 
@@ -99,7 +98,8 @@ TEST_F(LinkState, IsReadPerLine) {
   for (const Case& c : {
            Case{"one line", "[abcdA B C D E F]\n", {"A", "B", "D", "old", "E", "F"}},
            {"seventh token", "x\n[abcdA B C D E F G]\n", {"A", "B", "D", "old", "E", "F"}},
-           {"two lines", "[abcdA B C D E F]\n[abcd  1 2 3 4 5]\n",
+           {"two lines",
+            "[abcdA B C D E F]\n[abcd  1 2 3 4 5]\n",
             {"A1", "B2", "D4", "old", "E5", "F"}},
            {"too few", "[abcdA B C]\n", {"A", "B", "", "old", "", ""}},
        }) {
