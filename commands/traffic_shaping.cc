@@ -77,8 +77,8 @@ struct RateTarget {
   const char* words;
   const char* file;
 };
-constexpr RateTarget kBroadcast = {"UNI_ANY 1 ", "rate_limit_queue_set"};
-constexpr RateTarget kMulticast = {"UNI_ANY 7 ", "rate_limit_queue_set"};
+constexpr RateTarget kQueue1 = {"UNI_ANY 1 ", "rate_limit_queue_set"};
+constexpr RateTarget kQueue7 = {"UNI_ANY 7 ", "rate_limit_queue_set"};
 constexpr RateTarget kInterface = {"UNI_ANY ", "rate_limit_if_set"};
 constexpr RateTarget kInterfaceLimited = {"UNI_ANY  ", "rate_limit_if_set"};  // two blanks
 
@@ -94,14 +94,14 @@ void limitRate(const RateTarget& target, const std::string& rate) {
 
 void applyStormLimit(const std::string& mode, const std::string& rate) {
   if (mode == "0") {
-    limitRate(kBroadcast, rate);
+    limitRate(kQueue1, rate);
   } else if (mode == "1") {
-    limitRate(kMulticast, rate);
+    limitRate(kQueue7, rate);
   } else if (mode == "2") {
     limitRate(kInterfaceLimited, rate);
   } else if (mode == "3") {
-    limitRate(kBroadcast, kNoLimit);
-    limitRate(kMulticast, kNoLimit);
+    limitRate(kQueue1, kNoLimit);
+    limitRate(kQueue7, kNoLimit);
     limitRate(kInterface, kNoLimit);
   }
 }

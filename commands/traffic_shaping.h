@@ -17,8 +17,8 @@ void configureQueueWeights(WebRequest& request);
 // size7; stores voq_thresh as the size of queue voq_id.
 void configureQueueSizes(WebRequest& request);
 
-// Command 30. Reads an array of one object with bc_mode and rate, or "[]". bs (0 limits broadcast,
-// 1 multicast, 2 the whole interface, 3 nothing) and bs_thresh, the rate, are applied to the
+// Command 30. Reads an array of one object with bc_mode and rate, or "[]". bs (0 limits queue 1,
+// 1 queue 7, 2 the whole interface, 3 nothing) and bs_thresh, the rate, are applied to the
 // traffic manager first and then stored, other modes only stored.
 void configureStormLimit(WebRequest& request);
 

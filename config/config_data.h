@@ -98,7 +98,7 @@ class ConfigData {
   // mode_max is never written. -1 when no port has that name.
   int setPhyPort(const PhyPortInfo& info) const;
 
-  // Seconds, of the first port of that name that carries a time. -1 when there is none.
+  // Of the first port of that name that carries a time. -1 when there is none.
   int getMacAgingTime(const std::string& port, std::string& time) const;
   // Writes only when the time has changed. -1 when no port has that name.
   int setMacAgingTime(const std::string& port, const std::string& time) const;

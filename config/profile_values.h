@@ -17,7 +17,7 @@ std::string withoutPrefix(std::string_view value);
 std::string chipDate(std::string_view value);
 
 // The firmware version 01.02.03 of a value such as 0x010203: a dot after every second character
-// behind the prefix. At most 31 characters, which is what the pages have room for.
+// behind the prefix. At most 31 characters; what is longer is cut.
 std::string dottedVersion(std::string_view value);
 
 // The name of a numeric ONU type; a number without a name stays as it is, and a text that is not a

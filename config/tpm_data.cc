@@ -9,20 +9,20 @@ namespace {
 constexpr const char* kWeight = "weight";
 constexpr const char* kSize = "size";
 
-// The WAN side among the modules and MACs of the file, which stand in the order of their numbers.
-constexpr int kWan = 2;
+// The file has several modules and MACs, in the order of their numbers; only this one is set here.
+constexpr int kModule = 2;
 
 // Queue 0 of a list of queues; null when any element on the way to it is missing.
 using FirstQueue = xml::XmlNode* (*)(const SettingsFile&);
 
 xml::XmlNode* firstTxQueue(const SettingsFile& file) {
   xml::XmlNode* const modules = file.find({"port_init", "tx_module_parameters", "tx_mod"});
-  return xml::child(xml::child(xml::idx(modules, kWan), "queue_map"), "queue");
+  return xml::child(xml::child(xml::idx(modules, kModule), "queue_map"), "queue");
 }
 
 xml::XmlNode* firstRxQueue(const SettingsFile& file) {
   xml::XmlNode* const macs = file.find({"port_init", "gmac_config", "gmac_rx_queues", "gmac"});
-  return xml::child(xml::idx(macs, kWan), "queue");
+  return xml::child(xml::idx(macs, kModule), "queue");
 }
 
 int readQueues(const char* path, FirstQueue first, const char* attribute, QueueTexts& values) {

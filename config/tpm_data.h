@@ -7,7 +7,7 @@
 
 namespace onu {
 
-// Largest packets of the WAN side, in bytes. The limits hold while mtuSettingEnable is "1".
+// Largest packets, in bytes. The limits hold while mtuSettingEnable is "1".
 struct MtuInfo {
   std::string mtuSettingEnable;
   std::string ipv4DsMtu;
@@ -18,8 +18,8 @@ struct MtuInfo {
 // One text per queue, by queue number.
 using QueueTexts = std::array<std::string, 8>;
 
-// The traffic manager's settings file: MTU, the transmit queues of the WAN module and the receive
-// queues of the WAN MAC (the file has other modules and MACs, which are nobody's here), and flow
+// The traffic manager's settings file: MTU, the transmit queues of module 2 and the receive
+// queues of MAC 2 (the file has other modules and MACs, which are nobody's here), and flow
 // control. Values are texts whose meaning is the traffic manager's. Every call reads the file anew
 // and a setter writes it back as a whole. All return 0, or -1 when the file cannot be opened or the
 // first-level group of the value is missing. Writing is not checked.

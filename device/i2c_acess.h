@@ -10,7 +10,7 @@ namespace onu {
 struct OpticalDiag {
   std::uint32_t temperature = 0;      // 1/256 degree C, two's complement
   std::uint32_t supplyVoltage = 0;    // 100 uV
-  std::uint32_t txBiasCurrent = 0;    // 1 uA
+  std::uint32_t txBiasCurrent = 0;    // shown as 1 uA
   std::uint32_t txOpticalPower = 0;   // 0.1 uW
   std::uint32_t rxReceivedPower = 0;  // 0.1 uW
 };

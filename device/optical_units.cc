@@ -24,7 +24,7 @@ std::string voltageText(std::uint32_t raw) {
   return withUnit(static_cast<float>(raw) / 10000.0F, " V");
 }
 
-// The unit's modules count 1 uA, not the 2 uA of SFF-8472.
+// 1 uA a count, not the 2 uA of SFF-8472: the pages rely on that scale.
 std::string biasText(std::uint32_t raw) {
   return withUnit(static_cast<float>(raw) / 1000.0F, " mA");
 }

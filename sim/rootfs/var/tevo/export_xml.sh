@@ -5,8 +5,10 @@
 www=/var/tevo/website/www/xml
 folder=/tmp/export.$$/xml_config
 
+# Restoring the factory's files leaves their main settings in /etc/xml_params: those in use go last.
 mkdir -p "$folder" &&
-  cp "$www/tevo_xml_cfg_file.xml" /etc/xml_params/*.xml "$folder/" &&
+  cp /etc/xml_params/*.xml "$folder/" &&
+  cp "$www/tevo_xml_cfg_file.xml" "$folder/" &&
   tar -cf "$www/xml_config.tar.$$" -C "${folder%/*}" xml_config &&
   mv "$www/xml_config.tar.$$" "$www/xml_config.tar"
 rm -rf "${folder%/*}" "$www/xml_config.tar.$$"
