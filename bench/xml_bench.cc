@@ -118,11 +118,9 @@ void registerAll() {
     const char* name;
     Shape shape;
     size_t base;
-  } kShapes[] = {{"same_names", sameNames, 500},
-                 {"other_names", otherNames, 500},
-                 {"nested", nested, 500},
-                 {"text_pieces", textPieces, 500},
-                 {"attributes", manyAttributes, 500}};
+  } kShapes[] = {{"same_names", sameNames, 500},   {"other_names", otherNames, 500},
+                 {"near_names", nearNames, 500},   {"nested", nested, 500},
+                 {"text_pieces", textPieces, 500}, {"attributes", manyAttributes, 500}};
   for (const auto& shape : kShapes) {
     std::string name = shape.name;
     benchmark::RegisterBenchmark(("grow_parse/" + name).c_str(), parseShape, shape.shape,

@@ -50,6 +50,23 @@ std::string otherNames(size_t n) {
   return inRoot(content);
 }
 
+std::string nearNames(size_t n) {
+  constexpr size_t kBlocks = 13;  // enough for 8192 names
+  std::string content;
+  for (size_t i = 0; i < n; ++i) {
+    std::string name;
+    for (size_t block = 0; block != kBlocks; ++block) {
+      std::string part = "abcdefghijklmnop";
+      if ((i >> block & 1) != 0) {
+        for (size_t byte : {7, 11, 15}) part[byte] = static_cast<char>(part[byte] ^ 0x80);
+      }
+      name += part;
+    }
+    content += "<" + name + "/>";
+  }
+  return inRoot(content);
+}
+
 std::string nested(size_t n) {
   std::string content;
   for (size_t i = 0; i < n; ++i) content += "<entry>";

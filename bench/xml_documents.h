@@ -15,3 +15,7 @@ std::string otherNames(size_t n);
 std::string nested(size_t n);
 std::string textPieces(size_t n);
 std::string manyAttributes(size_t n);
+
+// Long names that differ in the highest bits of their words alone, as names do which are made to
+// collide.
+std::string nearNames(size_t n);

@@ -1,7 +1,6 @@
 #include "config/profile_values.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 
 #include "frontend/query.h"
@@ -38,6 +37,8 @@ int hexPair(std::string_view value, std::size_t at) {
   return number;
 }
 
+std::string twoDigits(int number) { return (number < 10 ? "0" : "") + std::to_string(number); }
+
 }  // namespace
 
 std::string withoutPrefix(std::string_view value) {
@@ -45,10 +46,8 @@ std::string withoutPrefix(std::string_view value) {
 }
 
 std::string chipDate(std::string_view value) {
-  char date[sizeof "2255/255/255"];
-  const int length = std::snprintf(date, sizeof date, "%.4d/%.2d/%.2d", 2000 + hexPair(value, 2),
-                                   hexPair(value, 4), hexPair(value, 6));
-  return std::string(date, static_cast<std::size_t>(length));
+  return std::to_string(2000 + hexPair(value, 2)) + "/" + twoDigits(hexPair(value, 4)) + "/" +
+         twoDigits(hexPair(value, 6));
 }
 
 std::string dottedVersion(std::string_view value) {

@@ -1,7 +1,6 @@
 #include "device/i2c_acess.h"
 
 #include <array>
-#include <cstdio>
 #include <cstring>
 #include <utility>
 
@@ -31,8 +30,8 @@ I2cAcess::I2cAcess(std::string path) : path_(std::move(path)) {
   const Fd bus = Fd::open(path_.c_str(), O_RDWR);
   if (!bus) {
     const int error = errno;
-    std::fprintf(stderr, "In this SFU could not open I2C bus file %s, %s(%d)\n", path_.c_str(),
-                 std::strerror(error), error);
+    writeFully(STDERR_FILENO, "In this SFU could not open I2C bus file " + path_ + ", " +
+                                  std::strerror(error) + "(" + std::to_string(error) + ")\n");
     return;
   }
   probe(bus.get());

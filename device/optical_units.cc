@@ -1,16 +1,20 @@
 #include "device/optical_units.h"
 
-#include <array>
 #include <cmath>
-#include <cstdio>
 
 namespace onu {
 namespace {
 
 std::string withUnit(float value, const char* unit) {
-  std::array<char, 20> number{};
-  std::snprintf(number.data(), number.size(), "%.2f", static_cast<double>(value));
-  return std::string(number.data()).append(unit);
+  std::string text = std::signbit(value) ? "-" : "";
+  if (std::isinf(value)) {
+    return text.append("inf").append(unit);
+  }
+  // A float times 100 is exact in a double, so this rounds but once, a tie to the even digit.
+  const auto hundredths =
+      static_cast<std::uint32_t>(std::rint(std::fabs(static_cast<double>(value) * 100.0)));
+  const std::string digits = std::to_string(100 + hundredths % 100);  // the point replaces the 1
+  return text.append(std::to_string(hundredths / 100)).append(".").append(digits, 1).append(unit);
 }
 
 }  // namespace
@@ -30,9 +34,8 @@ std::string biasText(std::uint32_t raw) {
 }
 
 std::string powerText(std::uint32_t raw) {
-  constexpr double kLn10 = 2.302585092994046;
   const double milliwatts = static_cast<double>(raw) / 10000.0;
-  return withUnit(static_cast<float>(10.0 * std::log(milliwatts) / kLn10), " dBm");
+  return withUnit(static_cast<float>(10.0 * std::log10(milliwatts)), " dBm");
 }
 
 }  // namespace onu

@@ -34,7 +34,8 @@ class Fd {
   // standard stream, never as descriptor 0 to 2: a reply must not end up in a settings file. The
   // result is false when the file cannot be opened; errno says why.
   static Fd open(const char* path, int flags, mode_t mode = 0666) {
-    Fd file(::open(path, flags | O_CLOEXEC, mode));
+    // After an open with O_CLOEXEC musl would set the flag once more, for kernels of 2007.
+    Fd file(::openat(AT_FDCWD, path, flags | O_CLOEXEC, mode));
     if (file && file.fd_ <= STDERR_FILENO) {
       return Fd(::fcntl(file.fd_, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     }

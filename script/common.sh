@@ -29,8 +29,8 @@ build_preset() (
   preset=$1
   log=$root/build/$preset.log
   cd "$root" && mkdir -p build || exit 1
-  cmake --preset "$preset" >"$log" 2>&1 && cmake --build --preset "$preset" >>"$log" 2>&1 || {
+  if ! { cmake --preset "$preset" && cmake --build --preset "$preset"; } >"$log" 2>&1; then
     cat "$log" >&2
     exit 1
-  }
+  fi
 )

@@ -6,6 +6,7 @@ void CarriedAttributes::begin(const XmlNode& node) {
   node_ = &node;
   count_ = 0;
   while (node.attr[2 * count_] != nullptr) ++count_;
+  if (count_ > kMostCompared) index_ = NameIndex();
 }
 
 bool CarriedAttributes::isIndexed(size_t i) {

@@ -34,7 +34,7 @@ class CarriedAttributes {
 
   const XmlNode* node_ = nullptr;
   size_t count_ = 0;
-  NameIndex index_;
+  NameIndex index_;  // of this element's attributes
 };
 
 }  // namespace xml::internal

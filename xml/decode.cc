@@ -5,6 +5,7 @@
 
 #include "xml/memory.h"
 #include "xml/scan.h"
+#include "xml/utf8.h"
 
 namespace xml::internal {
 
@@ -17,19 +18,6 @@ int digitValue(char c, int base) {
   if (c >= 'a' && c <= 'f') value = c - 'a' + 10;
   if (c >= 'A' && c <= 'F') value = c - 'A' + 10;
   return value < base ? value : -1;
-}
-
-// Writes a value of up to 31 bits as UTF-8 and returns the place behind it.
-char* encode(uint32_t value, char* to) {
-  if (value < 0x80) {
-    *to++ = static_cast<char>(value);
-    return to;
-  }
-  int bitCount = 32 - __builtin_clz(value);
-  int more = (bitCount - 2) / 5;
-  *to++ = static_cast<char>((0xFFu << (7 - more)) | (value >> (6 * more)));
-  while (more-- != 0) *to++ = static_cast<char>(0x80 | ((value >> (6 * more)) & 0x3F));
-  return to;
 }
 
 // Drops spaces at both ends and all but one of each run. Returns the new length.
@@ -134,7 +122,7 @@ bool Decoder::characterReference() {
     if (value > 0x7FFFFFFF) return false;
   }
   if (p == end_ || *p != ';' || value == 0) return false;
-  write_ = encode(static_cast<uint32_t>(value), write_);
+  write_ = putUtf8(static_cast<uint32_t>(value), write_);
   read_ = p + 1;
   return true;
 }

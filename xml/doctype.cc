@@ -11,17 +11,6 @@ namespace {
 constexpr const char* kUnclosedList = "unclosed <!ATTLIST";
 constexpr const char* kMalformedList = "malformed <!ATTLIST";
 
-const char* afterText(const char* p, const char* e, const char* text, size_t length) {
-  for (; static_cast<size_t>(e - p) >= length; ++p) {
-    if (std::memcmp(p, text, length) == 0) return p + length;
-  }
-  return nullptr;
-}
-
-bool startsWith(const char* p, const char* e, const char* text, size_t length) {
-  return static_cast<size_t>(e - p) >= length && std::memcmp(p, text, length) == 0;
-}
-
 bool closes(const char* p, const char* e) {
   if (*p != ']') return false;
   for (++p; p != e && isSpace(*p); ++p) {
@@ -105,6 +94,14 @@ bool Doctype::declaration(SubsetSource& source) {
   return true;
 }
 
+// The document's list begins with these, and the first declaration of a name holds.
+bool Doctype::isPredefined(const char* key) const {
+  for (size_t i = 0; i != kPredefinedEntities; ++i) {
+    if (std::strcmp(root_.predefined[2 * i], key) == 0) return true;
+  }
+  return false;
+}
+
 // Declarations of external entities have no value to keep.
 void Doctype::entity(SubsetSource& source) {
   const char* place = source.place();
@@ -118,6 +115,7 @@ void Doctype::entity(SubsetSource& source) {
 
   char* key = root_.arena.copy(name.text, name.length + 1);
   key[name.length] = ';';
+  if (!isParameter && isPredefined(key)) return;
   char* text = root_.arena.copy(value.text, value.length);
   Decoded decoded = decoder_.decode(text, value.length, Mode::kEntity);
   if (!decoded.inPlace) decoded.text = root_.arena.copy(decoded.text, decoded.length);
@@ -194,13 +192,10 @@ bool Doctype::fail(const char* place, const char* format, const char* argument) 
 // A circle is an error of the declaration that closes it, which stands before any other error
 // found.
 void Doctype::checkCircles() {
-  for (const EntityTable* table : {&entities_.general, &entities_.parameter}) {
-    const Entity* entity = table->firstCircular();
-    if (entity == nullptr) continue;
-    bool isCircle = error_.argument[0] != '\0';
-    if (isCircle && error_.place <= entity->place) continue;
-    fail(entity->place, "circular entity declaration &%s", entity->name);
-  }
+  const Entity* first = entities_.general.firstCircular();
+  const Entity* other = entities_.parameter.firstCircular();
+  if (first == nullptr || (other != nullptr && other->place < first->place)) first = other;
+  if (first != nullptr) fail(first->place, "circular entity declaration &%s", first->name);
 }
 
 // Puts what was declared into the document's tables.

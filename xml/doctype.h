@@ -16,8 +16,8 @@ struct DoctypeError {
   const char* argument = "";
 };
 
-// The declarations of one document, whose arena keeps their texts. Made when its first document
-// type is met.
+// The declarations of one document, whose arena keeps their texts. Made when its first internal
+// subset is met.
 class Doctype {
  public:
   Doctype(RootImpl& root, Decoder& decoder) : root_(root), decoder_(decoder) {}
@@ -46,6 +46,7 @@ class Doctype {
   bool declarations(SubsetSource& source);
   bool declaration(SubsetSource& source);
   void entity(SubsetSource& source);
+  bool isPredefined(const char* key) const;
   bool attributeList(SubsetSource& source);
   bool attributeType(SubsetSource& source, Mode* mode);
   bool defaultValue(SubsetSource& source, Token element, Token name, Mode mode);

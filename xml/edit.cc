@@ -63,14 +63,32 @@ void replaceValue(XmlNode& node, size_t count, size_t i, const char* name, const
   node.attr[2 * i + 1] = value;
 }
 
-void removePair(XmlNode& node, size_t count, size_t i) {
+// An element may carry a name twice: all its pairs go. The name given may be a stored one, so it is
+// released last, and once.
+void removePairs(XmlNode& node, size_t count, const char* name, bool copies) {
   char* owners = ownAttributes(node, count, count);
-  const char** pair = node.attr + 2 * i;
-  if ((owners[i] & internal::kNameOwned) != 0) release(pair[0]);
-  if ((owners[i] & internal::kValueOwned) != 0) release(pair[1]);
-  std::memmove(pair, pair + 2, 2 * (count - i) * sizeof(*pair));
-  std::memmove(owners + i, owners + i + 1, count - i);
-  if (count != 1) return;
+  size_t kept = 0;
+  for (size_t i = 0; i != count; ++i) {
+    const char** pair = node.attr + 2 * i;
+    char owner = owners[i];
+    if (std::strcmp(pair[0], name) != 0) {
+      std::copy_n(pair, 2, node.attr + 2 * kept);
+      owners[kept++] = owner;
+      continue;
+    }
+    bool nameOwned = (owner & internal::kNameOwned) != 0;
+    if (pair[0] == name) {
+      copies = nameOwned;
+    } else if (nameOwned) {
+      release(pair[0]);
+    }
+    if ((owner & internal::kValueOwned) != 0) release(pair[1]);
+  }
+  if (copies) release(name);
+  node.attr[2 * kept] = nullptr;
+  node.attr[2 * kept + 1] = owners;
+  owners[kept] = '\0';
+  if (kept != 0) return;
   std::free(owners);
   std::free(node.attr);
   node.attr = internal::noAttributes();
@@ -119,7 +137,7 @@ void insertByOffset(XmlNode** list, XmlNode* XmlNode::*link, XmlNode* node) {
 }  // namespace
 
 XmlNode* setText(XmlNode* node, const char* text) {
-  if (node == nullptr) return nullptr;
+  if (node == nullptr || text == node->txt) return node;
   if ((node->flags & (kTextAllocated | internal::kTextInBlock)) == kTextAllocated) {
     release(node->txt);
   }
@@ -135,7 +153,11 @@ XmlNode* setAttr(XmlNode* node, const char* name, const char* value) {
   while (i != count && std::strcmp(node->attr[2 * i], name) != 0) ++i;
   bool copies = (node->flags & kAttributesAllocated) != 0;
   if (value == nullptr) {
-    if (i != count) removePair(*node, count, i);
+    if (i != count) {
+      removePairs(*node, count, name, copies);
+    } else if (copies) {
+      release(name);
+    }
   } else if (i == count) {
     appendPair(*node, count, name, value, copies);
   } else {

@@ -43,14 +43,14 @@ class EntityTable {
   NameIndex index_;
 };
 
-// All entities of a document. References past the budget stay as written, so that a small file
-// cannot take all memory; the predefined five only shrink a text and are free.
+// All entities a document declares. References past the budget stay as written, so that a small
+// file cannot take all memory. The predefined five are not among them: they only shrink a text.
 struct Entities {
   EntityTable general{'&'};
   EntityTable parameter{'%'};
   size_t budget = size_t{1} << 20;  // bytes of replacement text left
 
-  // Takes a replacement from the budget. False when it does not fit, and from then on.
+  // Takes a replacement from the budget. False when it does not fit, and then nothing is left.
   bool spend(size_t bytes) {
     bool fits = bytes <= budget;
     budget = fits ? budget - bytes : 0;

@@ -5,7 +5,7 @@
 
 #include <cstdlib>
 
-#include "xml/memory.h"
+#include "xml/xml.h"
 
 namespace xml {
 
@@ -30,13 +30,15 @@ XmlRoot* parseFile(const char* path) {
   return root;
 }
 
-// A file that cannot be read, or is shorter by now, is as long as what was read.
+// A file that cannot be read, or is shorter by now, is as long as what was read; one too large for
+// the memory there is counts as empty.
 XmlRoot* parseFd(int fd) {
   if (fd < 0) return nullptr;
   struct stat status = {};
-  size_t size = fstat(fd, &status) == 0 ? static_cast<size_t>(status.st_size) : 0;
-  auto* buffer = static_cast<char*>(internal::allocate(size + 1));
-  ssize_t length = read(fd, buffer, size);
+  if (fstat(fd, &status) != 0 || status.st_size >= PTRDIFF_MAX) status.st_size = 0;
+  auto size = static_cast<size_t>(status.st_size);
+  auto* buffer = static_cast<char*>(std::malloc(size + 1));
+  ssize_t length = buffer == nullptr ? 0 : read(fd, buffer, size);
   return parseOwned(buffer, length < 0 ? 0 : static_cast<size_t>(length));
 }
 

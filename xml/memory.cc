@@ -85,7 +85,7 @@ Arena::~Arena() {
 
 char* Arena::fromNewBlock(size_t bytes) {
   size_t size = bytes > blockSize_ / 2 ? bytes : blockSize_;
-  auto* block = static_cast<Block*>(allocate(sizeof(Block) + size + kReadSlack));
+  auto* block = static_cast<Block*>(allocate(sizeof(Block) + size));
   block->older = std::exchange(block_, block);
   char* start = reinterpret_cast<char*>(block + 1);
   if (size == bytes) return start;
@@ -98,7 +98,6 @@ char* Arena::copy(const char* from, size_t length) {
   char* to = text(length + 1);
   if (length != 0) std::memcpy(to, from, length);
   to[length] = '\0';
-  std::memset(to + length + 1, 0, kReadSlack - 1);
   return to;
 }
 

@@ -8,17 +8,16 @@
 namespace xml::internal {
 
 // Bits of XmlNode::flags next to the public ones.
-constexpr uint8_t kTextInBlock =
-    0x10;  // with kTextAllocated: txt lies in a block, never freed alone
-constexpr uint8_t kOwnAttributes = 0x08;  // attr and its owner text are heap allocations
+// With kTextAllocated: txt lies in a block and is never freed alone. Nothing else follows from it,
+// since txt may have been stored over.
+constexpr uint8_t kTextInBlock = 0x10;
+// attr and its owner text are heap allocations.
+constexpr uint8_t kOwnAttributes = 0x08;
 
 // Bytes of the text that follows the attribute array, one per attribute: bits on top of a blank.
 constexpr char kBorrowed = ' ';
 constexpr char kNameOwned = 1;
 constexpr char kValueOwned = 2;
-
-// A text in a block is followed by as many readable bytes, so that it can be read in steps of 16.
-constexpr size_t kReadSlack = 16;
 
 // Heap memory; a process that cannot get it ends.
 void* allocate(size_t bytes);

@@ -1,19 +1,10 @@
 #include "xml/name_index.h"
 
+#include <sys/auxv.h>
+
 #include <cstring>
 
 namespace xml::internal {
-
-namespace {
-
-constexpr uint64_t kMultiplier = 0x9E3779B97F4A7C15;
-
-uint64_t mix(uint64_t state, uint64_t word) {
-  state = (state ^ word) * kMultiplier;
-  return state ^ (state >> 32);
-}
-
-}  // namespace
 
 size_t NameIndex::find(const void* scope, const char* name, size_t length) const {
   if (entries_.empty()) return kNone;
@@ -31,24 +22,42 @@ size_t NameIndex::find(const void* scope, const char* name, size_t length) const
 }
 
 void NameIndex::add(const void* scope, const char* name, size_t length, size_t value) {
+  if (2 * entries_.size() == places_.size()) grow();
   entries_.push_back({scope, name, length, value});
-  if (2 * entries_.size() > places_.size()) grow();
   place({hashOf(scope, name, length), static_cast<uint32_t>(entries_.size())});
 }
 
-// Seeded with an address, which differs between runs: a file cannot be made to fit it.
+// A place freed this way cuts nothing off: what was added before never had to step over it.
+void NameIndex::removeLast(size_t count) {
+  for (; count != 0; --count) {
+    const Entry& entry = entries_.back();
+    size_t i = hashOf(entry.scope, entry.name, entry.length);
+    while (places_[i & (places_.size() - 1)].entry != entries_.size()) ++i;
+    places_[i & (places_.size() - 1)] = {};
+    entries_.pop_back();
+  }
+}
+
+// The whole product is kept. What a difference between two names becomes in it depends on the keys,
+// so no file can be made to cancel it with a later one.
+uint64_t NameIndex::mix(uint64_t state) const {
+  uint32_t low = static_cast<uint32_t>(state) ^ keys_[0];
+  uint32_t high = static_cast<uint32_t>(state >> 32) ^ keys_[1];
+  return uint64_t{low} * high;
+}
+
 uint32_t NameIndex::hashOf(const void* scope, const char* name, size_t length) const {
-  uint64_t state = mix(reinterpret_cast<uintptr_t>(scope), reinterpret_cast<uintptr_t>(this));
-  state = mix(state, length);
+  uint64_t state = mix(mix(reinterpret_cast<uintptr_t>(scope)) ^ length);
   while (length != 0) {
     uint64_t word = 0;
     size_t step = length < sizeof(word) ? length : sizeof(word);
     std::memcpy(&word, name, step);
-    state = mix(state, word);
+    state = mix(state ^ word);
     name += step;
     length -= step;
   }
-  return static_cast<uint32_t>(mix(state, 0));
+  state = mix(state);
+  return static_cast<uint32_t>(state ^ state >> 32);
 }
 
 void NameIndex::place(Place place) {
@@ -57,12 +66,27 @@ void NameIndex::place(Place place) {
   places_[i & (places_.size() - 1)] = place;
 }
 
+// Places the names in the order they were added, which removeLast relies on.
 void NameIndex::grow() {
-  std::vector<Place> old(places_.empty() ? 64 : 4 * places_.size());
-  old.swap(places_);
-  for (Place each : old) {
-    if (each.entry != 0) place(each);
+  if (places_.empty()) {
+    start();
+    return;
   }
+  std::vector<Place> ordered(entries_.size());
+  for (Place each : places_) {
+    if (each.entry != 0) ordered[each.entry - 1] = each;
+  }
+  places_.assign(4 * places_.size(), {});
+  for (Place each : ordered) place(each);
+}
+
+// The keys are the kernel's random bytes for this process.
+void NameIndex::start() {
+  constexpr size_t kFirstPlaces = 64;
+  places_.resize(kFirstPlaces);
+  entries_.reserve(kFirstPlaces / 2);
+  auto* random = reinterpret_cast<const char*>(getauxval(AT_RANDOM));
+  if (random != nullptr) std::memcpy(keys_, random + sizeof(keys_), sizeof(keys_));
 }
 
 }  // namespace xml::internal

@@ -8,7 +8,8 @@
 namespace xml::internal {
 
 // A scope is any address that tells tables sharing the index apart. Names are not copied and must
-// outlive the index. Constant time for names not made to collide.
+// outlive the index. Constant time whatever the names are: they are hashed with keys that nobody
+// outside the process knows.
 class NameIndex {
  public:
   static constexpr size_t kNone = static_cast<size_t>(-1);
@@ -18,6 +19,9 @@ class NameIndex {
 
   // Adds a name that is not there yet.
   void add(const void* scope, const char* name, size_t length, size_t value);
+
+  // Takes the `count` names out again that were added last.
+  void removeLast(size_t count);
 
  private:
   struct Entry {
@@ -31,10 +35,13 @@ class NameIndex {
     uint32_t hash;
     uint32_t entry;  // its number from 1; 0 in a free place
   };
+  uint64_t mix(uint64_t state) const;
   uint32_t hashOf(const void* scope, const char* name, size_t length) const;
   void place(Place place);
   void grow();
+  void start();
 
+  uint32_t keys_[2] = {0x9E3779B9, 0x7F4A7C15};
   std::vector<Entry> entries_;
   std::vector<Place> places_;  // open addressing; a power of two, at most half full
 };

@@ -20,10 +20,6 @@ struct ValueEscape {
   XML_HITS(either(either(sameBut(v, '&', '&' ^ '"'), sameBut(v, '<', '<' ^ '>')), upTo(v, '\x1f')))
 };
 
-// Whatever may follow a text in its memory and can be read with it, at most 16 bytes behind its
-// NUL.
-constexpr size_t kAlwaysReadable = static_cast<size_t>(-1) / 2;
-
 struct NameStop {
   static bool has(char c) { return c == '\0'; }
   XML_HITS(same(v, '\0'))
@@ -69,7 +65,7 @@ class Output {
       }
     }
 #endif
-    return room(putPart<Set>(at, &text, kAlwaysReadable, readable), kRoom);
+    return room(putPart<Set>(at, &text, readable, readable), kRoom);
   }
 
   // The same with at most `most` bytes of the text, which is moved on.

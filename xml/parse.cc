@@ -9,8 +9,6 @@ namespace xml::internal {
 
 namespace {
 
-constexpr const char* kOutside = "markup outside of root element";
-
 ptrdiff_t countLines(const char* p, const char* e) {
   ptrdiff_t lines = 0;
   while (p != e && (p = static_cast<const char*>(
@@ -21,16 +19,22 @@ ptrdiff_t countLines(const char* p, const char* e) {
   return lines;
 }
 
-// Whether an XML declaration's text sets "standalone" to yes.
+// Whether an XML declaration's text, which is read as far as it holds pairs of a name and a quoted
+// value, sets "standalone" to yes.
 bool saysStandalone(char* p, const char* e) {
-  constexpr char kWord[] = "standalone";
-  char* word = findText<'s'>(p, e, kWord, sizeof(kWord) - 1);
-  if (word == nullptr) return false;
-  p = skipSpace(word + sizeof(kWord) - 1, e);
-  if (p == e || *p != '=') return false;
-  p = skipSpace(p + 1, e);
-  if (e - p < 5) return false;
-  return (*p == '"' || *p == '\'') && std::memcmp(p + 1, "yes", 3) == 0 && p[4] == *p;
+  for (;;) {
+    const char* name = p = skipSpace(p, e);
+    while (p != e && !isSpace(*p) && *p != '=') ++p;
+    bool isStandalone = p - name == 10 && std::memcmp(name, "standalone", 10) == 0;
+    p = skipSpace(p, e);
+    if (p == e || *p != '=') return false;
+    char* quote = skipSpace(p + 1, e);
+    if (quote == e || (*quote != '"' && *quote != '\'')) return false;
+    const char* behind = afterText(quote + 1, e, quote, 1);
+    if (behind == nullptr) return false;
+    p = quote + (behind - quote);
+    if (isStandalone) return p - quote == 5 && std::memcmp(quote + 1, "yes", 3) == 0;
+  }
 }
 
 }  // namespace
@@ -51,7 +55,7 @@ void Parser::end() {
   if (instructions_ != nullptr) instructions_->publish(root_);
 }
 
-// The same where bytes have to be decoded, from `stop` on.
+// Character data of the open element, where bytes from `stop` on have to be decoded.
 bool Parser::decodedContent(char* text, char* stop) {
   p_ = find<MarkupOrEnd>(stop, e_);
   if (peek(p_) == '\0') return false;
@@ -103,7 +107,7 @@ bool Parser::documentType() {
   return fail(p_, "unclosed <!DOCTYPE");
 }
 
-// Only the first subset declares anything, a document has no other.
+// Only the first subset declares anything; a well-formed document has no other.
 bool Parser::internalSubset(char* start) {
   if (doctype_ == nullptr) {
     if (void* nul = std::memchr(start, '\0', static_cast<size_t>(e_ - start)); nul != nullptr) {
@@ -132,7 +136,7 @@ bool Parser::instruction() {
   auto length = static_cast<size_t>(targetEnd - target);
   char* text = skipSpace(targetEnd, close);
   if (length == 3 && std::memcmp(target, "xml", 3) == 0) {
-    if (saysStandalone(text, close)) root_.standalone = 1;
+    if (!builder_.hasRoot() && saysStandalone(text, close)) root_.standalone = 1;
   } else {
     if (instructions_ == nullptr) instructions_ = std::make_unique<Instructions>();
     terminate(targetEnd);

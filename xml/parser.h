@@ -20,6 +20,8 @@ class Parser {
   void run();
 
  private:
+  static constexpr const char* kOutside = "markup outside of root element";
+
   // parse.cc
   void end();
   bool decodedContent(char* text, char* stop);
@@ -54,7 +56,7 @@ class Parser {
 
   char peek(const char* p) const { return p == e_ ? '\0' : *p; }
   bool goesOn(const char* p, const char* text, size_t length) const {
-    return static_cast<size_t>(e_ - p) >= length && std::memcmp(p, text, length) == 0;
+    return startsWith(p, e_, text, length);
   }
 
   RootImpl& root_;

@@ -89,14 +89,27 @@ inline char* find(char* p, const char* e) {
   return p;
 }
 
-// First place at or after p where `text` (kLength bytes, the first kFirst) stands, or NULL when the
-// data ends before.
+// Whether [p, e) begins with `length` bytes of `text`.
+inline bool startsWith(const char* p, const char* e, const char* text, size_t length) {
+  return static_cast<size_t>(e - p) >= length && std::memcmp(p, text, length) == 0;
+}
+
+// The place behind the first `text` in [p, e), or NULL.
+inline const char* afterText(const char* p, const char* e, const char* text, size_t length) {
+  for (; static_cast<size_t>(e - p) >= length; ++p) {
+    if (std::memcmp(p, text, length) == 0) return p + length;
+  }
+  return nullptr;
+}
+
+// First place at or after p where `text` (`length` bytes, the first kFirst) stands, or NULL when
+// the data ends before.
 template <char kFirst>
 inline char* findText(char* p, const char* e, const char* text, size_t length) {
   for (;; ++p) {
     p = find<OneOrEnd<kFirst>>(p, e);
-    if (p == e || *p == '\0' || static_cast<size_t>(e - p) < length) return nullptr;
-    if (std::memcmp(p, text, length) == 0) return p;
+    if (p == e || *p == '\0') return nullptr;
+    if (startsWith(p, e, text, length)) return p;
   }
 }
 

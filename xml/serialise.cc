@@ -1,6 +1,4 @@
 // Writing a tree as text.
-#include <cstdlib>
-
 #include "xml/carried_attributes.h"
 #include "xml/grow_stack.h"
 #include "xml/output.h"
@@ -89,8 +87,7 @@ char* Serialiser::start(char* at, const XmlNode& node) {
   size_t nameLength = out_.size(at) - name;
   if (node.attr[0] != nullptr || root_.attr[0] != nullptr) at = attributes(at, node);
   *at++ = '>';
-  bool inBlock = (node.flags & kTextInBlock) != 0;
-  size_t textReadable = inBlock ? kAlwaysReadable : readable(node.txt);
+  size_t textReadable = readable(node.txt);
   if (node.child == nullptr) {
     at = out_.put<ContentEscape>(at, node.txt, textReadable);
     return end(at, node, nameLength);

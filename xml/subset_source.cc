@@ -35,9 +35,7 @@ bool SubsetSource::expand() {
 bool SubsetSource::accept(const char* text) {
   size_t length = std::strlen(text);
   Text& top = texts_.back();
-  if (static_cast<size_t>(top.e - top.p) < length || std::memcmp(top.p, text, length) != 0) {
-    return false;
-  }
+  if (!startsWith(top.p, top.e, text, length)) return false;
   top.p += length;
   return true;
 }
@@ -62,14 +60,11 @@ Token SubsetSource::quoted() {
 
 Token SubsetSource::through(const char* close) {
   Text& top = texts_.back();
-  size_t length = std::strlen(close);
-  for (const char* p = top.p; static_cast<size_t>(top.e - p) >= length; ++p) {
-    if (std::memcmp(p, close, length) != 0) continue;
-    const char* start = top.p;
-    top.p = p + length;
-    return {start, static_cast<size_t>(top.p - start)};
-  }
-  return {};
+  const char* start = top.p;
+  const char* end = afterText(start, top.e, close, std::strlen(close));
+  if (end == nullptr) return {};
+  top.p = end;
+  return {start, static_cast<size_t>(end - start)};
 }
 
 void SubsetSource::skipDeclaration() {

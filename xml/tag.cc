@@ -1,11 +1,11 @@
 // Start tags, their attributes, end tags, and the plain text between them.
+#include <algorithm>
+
 #include "xml/parser.h"
 
 namespace xml::internal {
 
 namespace {
-
-constexpr const char* kOutside = "markup outside of root element";
 
 bool startsName(char c) {
   auto byte = static_cast<unsigned char>(c);
@@ -90,20 +90,19 @@ bool Parser::endTag() {
   }
   char* nameEnd = name;
   while (peek(nameEnd) != '\0' && !isSpace(*nameEnd) && *nameEnd != '>') ++nameEnd;
-  char* tagEnd = skipSpace(nameEnd, e_);
-  if (peek(tagEnd) != '>') return fail(tagEnd, "missing >");
   auto found = static_cast<size_t>(nameEnd - name);
   if (found != length || std::memcmp(name, builder_.openName(), length) != 0) {
-    *nameEnd = '\0';
-    return fail(p_, "unexpected closing tag </%s>", name);
+    auto shown = static_cast<int>(std::min(found, sizeof(root_.err)));
+    return fail(p_, "unexpected closing tag </%.*s>", shown, name);
   }
+  char* tagEnd = skipSpace(nameEnd, e_);
+  if (peek(tagEnd) != '>') return fail(tagEnd, "missing >");
   builder_.close();
   return content(tagEnd + 1, nullptr);
 }
 
 // The set holds every byte up to the blank and '=', but control characters do not end a name, nor
-// does
-// '=' a tag's.
+// does '=' a tag's.
 char* Parser::endOfName(char* p, bool isAttribute) {
   for (;; ++p) {
     p = find<NameEnd>(p, e_);

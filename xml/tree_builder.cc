@@ -56,6 +56,7 @@ void TreeBuilder::open(XmlNode* node, size_t nameLength) {
 void TreeBuilder::close() {
   Frame& frame = frames_.top();
   if (frame.pieces != kNoPieces) keepPieces(frame);
+  if (frame.indexed) index_.removeLast(groups_.size() - frame.groups);
   groups_.resize(frame.groups);
   frames_.pop();
 }
@@ -66,7 +67,9 @@ void TreeBuilder::closeAll() {
 
 void TreeBuilder::startPieces(Frame& frame) {
   frame.pieces = pieces_.size();
-  if (frame.textLength != 0) appendPiece(frame.node->txt, frame.textLength);
+  if (frame.textLength != 0) {
+    appendPiece(frame.node->txt, frame.textLength, inputLeft(frame.node->txt));
+  }
 }
 
 void TreeBuilder::keepPieces(Frame& frame) {

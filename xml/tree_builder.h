@@ -52,7 +52,7 @@ class TreeBuilder {
       frame.node->txt = text;
     } else {
       if (frame.pieces == kNoPieces) startPieces(frame);
-      appendPiece(text, length);
+      appendPiece(text, length, lasting ? inputLeft(text) : length);
     }
     frame.textLength += length;
   }
@@ -104,10 +104,13 @@ class TreeBuilder {
   Group* findGroup(const Frame& frame, uint64_t key, const char* name, size_t length);
   void indexGroup(Frame& frame);
   void startPieces(Frame& frame);
-  void appendPiece(const char* text, size_t length) {
+  // How much can be read of a text of the input.
+  size_t inputLeft(const char* text) const { return static_cast<size_t>(e_ - text); }
+  // Short pieces are copied 16 bytes at once where so many are `readable`.
+  void appendPiece(const char* text, size_t length, size_t readable) {
     pieces_.reserve(length + 16);
     char* to = pieces_.data() + pieces_.size();
-    if (length <= 16 && e_ - text >= 16) {
+    if (length <= 16 && readable >= 16) {
       std::memcpy(to, text, 16);
     } else {
       std::memcpy(to, text, length);
@@ -121,7 +124,7 @@ class TreeBuilder {
   GrowStack<Frame, 24> frames_;
   GrowStack<Group, 64> groups_;   // of the open elements, the innermost one's on top
   GrowStack<char, 1024> pieces_;  // of their texts, likewise
-  NameIndex index_;               // of groups_; the scope is the element
+  NameIndex index_;               // of groups_ where there are many; the scope is the element
 };
 
 }  // namespace xml::internal

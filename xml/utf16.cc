@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "xml/memory.h"
+#include "xml/utf8.h"
 
 namespace xml::internal {
 
@@ -41,26 +42,6 @@ class Units {
   size_t high_;  // which byte of a unit is the high one
 };
 
-char* encode(uint32_t c, char* to) {
-  auto put = [&to](uint32_t byte) { *to++ = static_cast<char>(byte); };
-  if (c < 0x80) {
-    put(c);
-  } else if (c < 0x800) {
-    put(0xC0 | c >> 6);
-    put(0x80 | (c & 0x3F));
-  } else {
-    if (c < 0x10000) {
-      put(0xE0 | c >> 12);
-    } else {
-      put(0xF0 | c >> 18);
-      put(0x80 | (c >> 12 & 0x3F));
-    }
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
-  }
-  return to;
-}
-
 }  // namespace
 
 char* utf8FromUtf16(const char* text, size_t length, size_t* newLength) {
@@ -71,7 +52,7 @@ char* utf8FromUtf16(const char* text, size_t length, size_t* newLength) {
   // A unit makes three bytes at most, a pair four.
   auto* converted = static_cast<char*>(allocate(length / 2 * 3 + 1));
   char* to = converted;
-  while (!units.atEnd()) to = encode(units.nextCharacter(), to);
+  while (!units.atEnd()) to = putUtf8(units.nextCharacter(), to);
   *newLength = static_cast<size_t>(to - converted);
   return converted;
 }

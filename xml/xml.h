@@ -4,8 +4,8 @@
 // out of the input buffer where they lie, so the buffer belongs to the document from the call on
 // and every text of the tree is valid until freeDoc. Operations on a NULL node give NULL or do
 // nothing; only toXml and error then give an empty text. A document is used by one thread; nothing
-// is shared between documents but constants. Running out of memory ends the process, except in
-// parseStream.
+// is shared between documents but constants. Running out of memory ends the process, except while
+// input is read.
 #pragma once
 
 #include <cstddef>
@@ -18,6 +18,8 @@ namespace xml {
 // Bits of XmlNode::flags: texts which the tree releases with free(). The lower bits are the tree's
 // own.
 constexpr uint8_t kNameAllocated = 0x80;
+// Set it after setText to hand a heap text over. Also set for texts in the document's own memory,
+// so a txt stored without setText is not sure to be released.
 constexpr uint8_t kTextAllocated = 0x40;
 // While set, setAttr takes over heap copies of name and value.
 constexpr uint8_t kAttributesAllocated = 0x20;
@@ -31,8 +33,8 @@ struct XmlNode {
   const char* txt;  // all character data of the element itself, "" when none
   size_t off;       // bytes of the parent's txt that stand before this element
   XmlNode* next;    // next element of the same name under the same parent
-  XmlNode*
-      sibling;  // first element of the next other name under the same parent; set in first ones
+  // First element of the next other name under the same parent; set in the first of each name.
+  XmlNode* sibling;
   XmlNode* ordered;  // next element under the same parent in document order
   XmlNode* child;    // first child element
   XmlNode* parent;   // NULL in the root
@@ -49,10 +51,10 @@ struct XmlRoot {
   char* s;           // first byte of the data, after any conversion
   char* e;           // one past its last byte; data ends early at a NUL byte
   const char** ent;  // general entities: name with its ";", replacement, ..., NULL
-  const char***
-      attr;  // declared defaults: {element, attribute, value, "*" or " " (CDATA), ..., NULL}
-  const char***
-      pi;  // instructions: {target, text, ..., NULL, '<' (before root) or '>' for each text}
+  // Declared defaults: {element, attribute, value, "*" or " " (CDATA), ..., NULL}.
+  const char*** attr;
+  // Instructions: {target, text, ..., NULL, '<' (before root) or '>' for each text}.
+  const char*** pi;
   short standalone;  // 1 when the XML declaration says standalone="yes"
   char err[128];     // "[error near line %d]: %s" of the first error, or ""
 };
@@ -64,21 +66,23 @@ struct Step {
 };
 
 // Reads and parses a whole file. NULL when it cannot be opened. Whatever else goes wrong is in
-// `err`: an unreadable or empty file gives a document without elements and "root tag missing". The
-// caller ends the document with freeDoc.
+// `err`: a file that is empty, unreadable or too large for the memory there is gives a document
+// without elements and "root tag missing". The caller ends the document with freeDoc.
 XmlRoot* parseFile(const char* path);
 
 // The same on an open file, read from where it stands; it stays open. NULL for a negative
 // descriptor.
 XmlRoot* parseFd(int fd);
 
-// The same with what is left in a stream, which stays open. NULL when memory runs out.
+// The same with what is left in a stream, which stays open. NULL when there is no memory to read it
+// into.
 XmlRoot* parseStream(FILE* stream);
 
 // Parses `length` bytes in place. The buffer needs no spare byte; it is written to, stays the
 // caller's to release, and must outlive the document. Never NULL: on malformed input `err` is set
 // and the elements read up to there form the tree. General and parameter entities expand to no more
-// than 1 MiB in one document, references past that stay as written.
+// than 1 MiB in one document, references past that stay as written. So do character references
+// above 0x7FFFFFFF.
 XmlRoot* parseStr(char* data, size_t length);
 
 // First child element of that name, or NULL.
@@ -103,9 +107,10 @@ XmlNode* get(XmlNode* node, const Step* steps);
 // text is not copied: it must outlive the last use of the tree. Returns the node.
 XmlNode* setText(XmlNode* node, const char* text);
 
-// Replaces an attribute's value, appends a new attribute, or removes it when the value is NULL.
-// Name and value are not copied: they must outlive the last use of the tree, unless
-// kAttributesAllocated is set in the node, which hands both over. Returns the node.
+// Replaces an attribute's value, appends a new attribute, or removes it, however often the element
+// carries it, when the value is NULL. Name and value are not copied: they must outlive the last use
+// of the tree, unless kAttributesAllocated was set in the node before the call, which hands both
+// over, the name of a removed attribute too. Returns the node.
 XmlNode* setAttr(XmlNode* node, const char* name, const char* value);
 
 // Makes a child without attributes and text that stands `off` bytes into the parent's text, behind
@@ -119,7 +124,8 @@ XmlNode* cut(XmlNode* node);
 
 // Writes the element and its subtree; for the root also the document's processing instructions, but
 // neither XML declaration, comments nor document type. A default declared for an element is written
-// as its attribute. Never NULL; "" for NULL or a node without a name. The caller releases the text
+// as its attribute, in as many elements as there are: a small file may make a large text. Never
+// NULL; "" for NULL or a node without a name. The caller releases the text
 // with free(); `length`, when given, receives its length without the NUL.
 char* toXml(const XmlNode* node, size_t* length = nullptr);
 

@@ -25,7 +25,7 @@ const std::string kPortKeys =
 std::string object(std::string keys, std::string values) {
   std::string fields;
   const auto take = [](std::string& list) {
-    const std::string first = list.substr(0, list.find('|'));
+    std::string first = list.substr(0, list.find('|'));
     list.erase(0, first.size() + 1);
     return first;
   };

@@ -75,6 +75,8 @@ TEST(Tree, Errors) {
       {"<a><b/ ></a>", "a''", "missing >"},
       {"<a b", "none", "missing >"},
       {"<a></a b>", "a''", "missing >"},
+      {"<a></b c>", "a''", "unexpected closing tag </b>"},
+      {"<a></bc", "a''", "unexpected closing tag </bc>"},
       {"<a>x<b>1</b>y<c>z", "a'xy'[b'1'@1 c''@2]", "unclosed tag <c>"},
       {"<a>x<!-- ->", "a'x'", "unclosed <!--"},
       {"<a><!-->", "a''", "unclosed <!--"},
@@ -175,7 +177,7 @@ class Files : public testing::Test {
 };
 
 TEST_F(Files, AreReadByEveryEntryPoint) {
-  for (size_t length : {1, 1016, 1017, 1018, 5000, 3000000}) {
+  for (size_t length : {1U, 1016U, 1017U, 1018U, 5000U, 3000000U}) {
     std::string text = "<a>" + std::string(length, 'x') + "</a>";
     fill(text);
     lseek(fd_, 0, SEEK_SET);

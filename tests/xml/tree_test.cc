@@ -20,7 +20,7 @@ TEST(Lookup, FindsByNameAndPlace) {
   EXPECT_EQ(xml::get(a, {}), a);
 }
 
-// More names than are compared one by one, each twice.
+// More names than are compared one by one, each twice, and the same within an element between them.
 TEST(Lookup, GroupsManyNames) {
   std::string once;
   std::string want;
@@ -29,7 +29,9 @@ TEST(Lookup, GroupsManyNames) {
     once += "<" + name + "/>";
     want += (i == 0 ? "" : "|") + name + "," + name;
   }
-  EXPECT_EQ(groups(Parsed("<a>" + once + once + "</a>").node()), want);
+  Parsed document("<a>" + once + "<z>" + once + once + "</z>" + once + "</a>");
+  EXPECT_EQ(groups(document.node()), want + "|z");
+  EXPECT_EQ(groups(xml::child(document.node(), "z")), want);
 }
 
 TEST(Null, IsAnsweredByNull) {
@@ -93,6 +95,14 @@ TEST(Edit, Texts) {
   EXPECT_EQ(written(a), "<a><b></b><c></c></a>");
   xml::setText(a->child, strdup("left to the document"));
   a->child->flags |= xml::kTextAllocated;
+  xml::setText(a->child, a->child->txt);
+  EXPECT_STREQ(a->child->txt, "left to the document");
+
+  Parsed inPieces("<a>1<b/>2</a>");
+  char* stored = strdup("3");
+  inPieces->xml.txt = stored;
+  EXPECT_EQ(written(inPieces.node()), "<a>3<b></b></a>");
+  std::free(stored);
 }
 
 TEST(Edit, Attributes) {
@@ -110,6 +120,10 @@ TEST(Edit, Attributes) {
   EXPECT_EQ(shown(a).substr(0, 6), "a{x=y;");
   xml::setAttr(a, "x", nullptr);
   EXPECT_EQ(a->attr, none);
+  Parsed repeated("<a b='1' c='2' b='3' d='4'/>");
+  xml::setAttr(repeated.node(), "b", nullptr);
+  EXPECT_EQ(shown(repeated.node()), "a{c=2;d=4;}''");
+  EXPECT_EQ(std::strlen(repeated.node()->attr[5]), 2U);
 }
 
 // Copies that are handed over are released when replaced, removed, or with the document.
@@ -121,7 +135,8 @@ TEST(Edit, AttributesHandedOver) {
   xml::setAttr(a, strdup("b"), strdup("3"));
   xml::setAttr(a, strdup("c"), strdup("4"));
   xml::setAttr(a, strdup("d"), strdup("5"));
-  xml::setAttr(a, "d", nullptr);
+  xml::setAttr(a, strdup("d"), nullptr);
+  xml::setAttr(a, strdup("none"), nullptr);
   a->flags = static_cast<uint8_t>(a->flags & ~xml::kAttributesAllocated);
   xml::setAttr(a, "c", "6");
   EXPECT_EQ(shown(a), "a{b=3;c=6;}''");

@@ -1,0 +1,11 @@
+# The toolchain that script/musl-toolchain makes for MUSL_ARCH, whose tools are called MUSL_TARGET-*.
+set(CMAKE_SYSTEM_NAME Linux)
+if(DEFINED ENV{ONU_MUSL_DIR})
+  set(musl_dir $ENV{ONU_MUSL_DIR})
+elseif(DEFINED ENV{XDG_CACHE_HOME})
+  set(musl_dir $ENV{XDG_CACHE_HOME}/onu-musl)
+else()
+  set(musl_dir $ENV{HOME}/.cache/onu-musl)
+endif()
+set(CMAKE_CXX_COMPILER ${musl_dir}/${MUSL_ARCH}/bin/${MUSL_TARGET}-g++)
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

@@ -1,0 +1,1 @@
+include $(BR2_EXTERNAL_ONU_PATH)/onu.mk
