@@ -184,8 +184,8 @@ void Doctype::addDefault(Token element, Token name, Token value, Mode mode) {
   defaults.attributes.push_back({key, decoded.text, mode});
 }
 
-bool Doctype::fail(const char* place, const char* format, const char* argument) {
-  error_ = {place, format, argument};
+bool Doctype::fail(const char* place, const char* message, const char* argument) {
+  error_ = {place, message, argument};
   return false;
 }
 

@@ -12,7 +12,7 @@ namespace xml::internal {
 // What went wrong in a subset: where in the input, and the message with its argument.
 struct DoctypeError {
   const char* place = nullptr;
-  const char* format = nullptr;  // NULL when nothing did
+  const char* message = nullptr;  // NULL when nothing did
   const char* argument = "";
 };
 
@@ -51,7 +51,7 @@ class Doctype {
   bool attributeType(SubsetSource& source, Mode* mode);
   bool defaultValue(SubsetSource& source, Token element, Token name, Mode mode);
   void addDefault(Token element, Token name, Token value, Mode mode);
-  bool fail(const char* place, const char* format, const char* argument = "");
+  bool fail(const char* place, const char* message, const char* argument = "");
   void checkCircles();
   void publish();
 

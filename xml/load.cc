@@ -23,7 +23,7 @@ XmlRoot* parseOwned(char* buffer, size_t length) {
 
 XmlRoot* parseFile(const char* path) {
   if (path == nullptr) return nullptr;
-  int fd = open(path, O_RDONLY | O_CLOEXEC);
+  int fd = openat(AT_FDCWD, path, O_RDONLY | O_CLOEXEC);  // musl's open makes two calls of it
   if (fd < 0) return nullptr;
   XmlRoot* root = parseFd(fd);
   close(fd);

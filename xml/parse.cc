@@ -1,6 +1,7 @@
 // Everything between the tags, and the course of a parse.
-#include <cstdarg>
-#include <cstdio>
+#include <algorithm>
+#include <charconv>
+#include <string_view>
 
 #include "xml/parser.h"
 #include "xml/utf16.h"
@@ -35,6 +36,15 @@ bool saysStandalone(char* p, const char* e) {
     p = quote + (behind - quote);
     if (isStandalone) return p - quote == 5 && std::memcmp(quote + 1, "yes", 3) == 0;
   }
+}
+
+// Writes the parts one after another, as far as they fit.
+void fillError(char (&error)[sizeof(XmlRoot::err)], std::initializer_list<std::string_view> parts) {
+  size_t length = 0;
+  for (std::string_view part : parts) {
+    length += part.copy(error + length, sizeof(error) - 1 - length);
+  }
+  error[length] = '\0';
 }
 
 }  // namespace
@@ -121,7 +131,7 @@ bool Parser::internalSubset(char* start) {
     doctype_ = std::make_unique<Doctype>(root_, decoder_);
     decoder_.setEntities(&doctype_->entities());
     DoctypeError error = doctype_->read(start, length);
-    if (error.format != nullptr) return fail(error);
+    if (error.message != nullptr) return fail(error.place, error.message, error.argument);
   }
   return content(skipSpace(start + length + 1, e_) + 1, nullptr);
 }
@@ -154,20 +164,21 @@ Decoded Parser::decode(char* text, size_t length, Mode mode) {
   return decoded;
 }
 
-bool Parser::fail(const char* place, const char* format, ...) {
-  auto line = static_cast<int>(1 + countLines(root_.s, place) + lostLines_);
-  int length = std::snprintf(root_.err, sizeof(root_.err), "[error near line %d]: ", line);
-  va_list arguments;
-  va_start(arguments, format);
-  std::vsnprintf(root_.err + length, sizeof(root_.err) - static_cast<size_t>(length), format,
-                 arguments);
-  va_end(arguments);
+bool Parser::fail(const char* place, std::string_view message, std::string_view argument) {
+  char line[24];
+  const char* lineEnd =
+      std::to_chars(line, line + sizeof(line), 1 + countLines(root_.s, place) + lostLines_).ptr;
+  constexpr std::string_view kHole = "%s";
+  size_t before = std::min(message.find(kHole), message.size());
+  size_t behind = std::min(before + kHole.size(), message.size());
+  fillError(root_.err, {"[error near line ",
+                        {line, static_cast<size_t>(lineEnd - line)},
+                        "]: ",
+                        message.substr(0, before),
+                        argument,
+                        message.substr(behind)});
   failed_ = true;
   return false;
-}
-
-bool Parser::fail(const DoctypeError& error) {
-  return fail(error.place, error.format, error.argument);
 }
 
 }  // namespace xml::internal

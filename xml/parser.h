@@ -33,8 +33,8 @@ class Parser {
   bool internalSubset(char* start);
   bool instruction();
   Decoded decode(char* text, size_t length, Mode mode);
-  bool fail(const char* place, const char* format, ...) __attribute__((format(printf, 3, 4)));
-  bool fail(const DoctypeError& error);
+  // The argument stands in for the "%s" of the message.
+  bool fail(const char* place, std::string_view message, std::string_view argument = {});
 
   // tag.cc: what most of the input is made of, together for speed
   struct TagEnd {

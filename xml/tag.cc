@@ -92,8 +92,7 @@ bool Parser::endTag() {
   while (peek(nameEnd) != '\0' && !isSpace(*nameEnd) && *nameEnd != '>') ++nameEnd;
   auto found = static_cast<size_t>(nameEnd - name);
   if (found != length || std::memcmp(name, builder_.openName(), length) != 0) {
-    auto shown = static_cast<int>(std::min(found, sizeof(root_.err)));
-    return fail(p_, "unexpected closing tag </%.*s>", shown, name);
+    return fail(p_, "unexpected closing tag </%s>", {name, found});
   }
   char* tagEnd = skipSpace(nameEnd, e_);
   if (peek(tagEnd) != '>') return fail(tagEnd, "missing >");
@@ -203,7 +202,7 @@ char* Parser::attributeValue(char* quote, const char* element, size_t elementLen
   if (peek(end) != *quote || doctype_ != nullptr) {
     end = isDouble ? find<OneOrEnd<'"'>>(end, e_) : find<OneOrEnd<'\''>>(end, e_);
     if (peek(end) == '\0') {
-      fail(quote, "missing %c", *quote);
+      fail(quote, "missing %s", {quote, 1});
       return nullptr;
     }
     Mode mode = Mode::kAttribute;
