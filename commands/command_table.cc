@@ -57,6 +57,6 @@ static_assert(ascending(), "commands are looked up by binary search");
 
 }  // namespace
 
-const CommandTable kCommands = {kRows.data(), kRows.size()};
+CommandTable commandTable() { return {kRows.data(), kRows.size()}; }
 
 }  // namespace onu

@@ -5,6 +5,6 @@
 namespace onu {
 
 // Every command of the unit: the one list of numbers, names and processors.
-extern const CommandTable kCommands;
+CommandTable commandTable();
 
 }  // namespace onu

@@ -49,7 +49,7 @@ int main() {
   try {
     onu::WebRequest request;
     if (readRequest(request)) {
-      onu::RequestProcess(request, request.text, onu::kCommands);
+      onu::RequestProcess(request, request.text, onu::commandTable());
     }
   } catch (const std::exception& error) {
     // Too short a value where a command cuts a part out of it: there is no reply to make of that.

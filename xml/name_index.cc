@@ -85,6 +85,7 @@ void NameIndex::start() {
   constexpr size_t kFirstPlaces = 64;
   places_.resize(kFirstPlaces);
   entries_.reserve(kFirstPlaces / 2);
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): this entry of the auxiliary vector is an address
   auto* random = reinterpret_cast<const char*>(getauxval(AT_RANDOM));
   if (random != nullptr) std::memcpy(keys_, random + sizeof(keys_), sizeof(keys_));
 }
