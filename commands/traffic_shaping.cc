@@ -65,11 +65,9 @@ void storeQueue(WebRequest& request, const QueueValue& value) {
 }
 
 void configureQueues(WebRequest& request, const QueueValue& value) {
-  if (request.action == 0) {
-    sendQueues(request, value);
-  } else if (request.action == 1) {
-    storeQueue(request, value);
-  }
+  getOrSet(
+      request, [&value](WebRequest& get) { sendQueues(get, value); },
+      [&value](WebRequest& set) { storeQueue(set, value); });
 }
 
 // What a rate holds for: the words in front of it and the traffic manager's file that takes them.

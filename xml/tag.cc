@@ -1,6 +1,4 @@
 // Start tags, their attributes, end tags, and the plain text between them.
-#include <algorithm>
-
 #include "xml/parser.h"
 
 namespace xml::internal {
