@@ -26,7 +26,11 @@ target_link_libraries(onu_unit INTERFACE onu_options)
 target_link_options(onu_unit INTERFACE
   -Wl,--gc-sections -Wl,-z,relro -Wl,-z,now -Wl,-z,noseparate-code)
 if(NOT ONU_SANITIZE)
-  target_link_options(onu_unit INTERFACE -static -no-pie)
+  set(unit_script ${PROJECT_SOURCE_DIR}/cmake/unit.ld)
+  target_link_options(onu_unit INTERFACE
+    -static -no-pie -Wl,-T,${unit_script}
+    -ffunction-sections -fdata-sections)  # for link-time optimisation
+  set_property(TARGET onu_unit PROPERTY INTERFACE_LINK_DEPENDS ${unit_script})
   # An exception that nobody catches just aborts. libstdc++'s handler would first print its type,
   # and the demangler for that is a tenth of a small executable.
   target_link_options(onu_unit INTERFACE
