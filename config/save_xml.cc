@@ -26,23 +26,27 @@ bool hasRoom(int file, std::size_t size) {
          std::uint64_t{state.f_bavail} * state.f_frsize >= size;
 }
 
+// The smallest unit in which a file system gives room to a file, in bytes.
+constexpr std::size_t kBlock = 512;
+
+std::size_t blocks(std::size_t size) { return (size + kBlock - 1) / kBlock; }
+
 }  // namespace
 
 void saveXml(const char* path, const xml::XmlRoot* document) {
   std::size_t size = 0;
   const std::unique_ptr<char, Release> text(xml::toXml(&document->xml, &size));
 
-  // A text no longer than the one it was read from fits where that one was. A longer one has its
-  // room reserved while the old text is still there.
-  const bool grows = document->e - document->s < static_cast<std::ptrdiff_t>(size);
-  const Fd file = Fd::open(path, O_WRONLY | O_CREAT | (grows ? 0 : O_TRUNC));
-  if (!file) {
+  // A text that needs no further block fits where the one was that it was read from.
+  const auto before = static_cast<std::size_t>(document->e - document->s);
+  const Fd file = Fd::open(path, O_WRONLY | O_CREAT);
+  if (!file || (blocks(size) > blocks(before) && !hasRoom(file.get(), size))) {
     return;
   }
-  if (grows && (!hasRoom(file.get(), size) || ::ftruncate(file.get(), 0) != 0)) {
-    return;
+  // Not truncated first: a process that is killed meanwhile would leave an empty file behind.
+  if (writeFully(file.get(), {text.get(), size})) {
+    static_cast<void>(!::ftruncate(file.get(), static_cast<off_t>(size)));
   }
-  writeFully(file.get(), {text.get(), size});
 }
 
 }  // namespace onu
