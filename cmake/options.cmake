@@ -14,12 +14,14 @@ if(ONU_SANITIZE)
     -fsanitize=${ONU_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(onu_options INTERFACE -fsanitize=${ONU_SANITIZE})
 else()
+  # At a fixed address: a position-independent executable relocates itself at every start, which is
+  # most of what a request of ours would cost.
   target_compile_options(onu_options INTERFACE
-    -fstack-protector-strong "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+    -fno-pie -fstack-protector-strong
+    "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  target_link_options(onu_options INTERFACE -no-pie)
 endif()
 
-# Static and at a fixed address: a position-independent executable relocates itself at every start,
-# which is most of what a request of ours would cost.
 add_library(onu_unit INTERFACE)
 target_link_libraries(onu_unit INTERFACE onu_options)
 # Code and constants in one segment, as ARM has it anyway: less to map at every start.
@@ -28,7 +30,7 @@ target_link_options(onu_unit INTERFACE
 if(NOT ONU_SANITIZE)
   set(unit_script ${PROJECT_SOURCE_DIR}/cmake/unit.ld)
   target_link_options(onu_unit INTERFACE
-    -static -no-pie -Wl,-T,${unit_script}
+    -static -Wl,-T,${unit_script}
     -ffunction-sections -fdata-sections)  # for link-time optimisation
   set_property(TARGET onu_unit PROPERTY INTERFACE_LINK_DEPENDS ${unit_script})
   # An exception that nobody catches just aborts. libstdc++'s handler would first print its type,

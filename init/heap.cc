@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::size_t kAreaSize = 256 * 1024;
+constexpr std::size_t kAreaSize = std::size_t{256} * 1024;
 constexpr std::size_t kPageSize = 4096;
 constexpr std::size_t kFreed = 1;  // in a block's size
 
