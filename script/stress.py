@@ -313,6 +313,8 @@ def stage_kill(options):
         reply, status = reader.run()
         if reply != page("1") or status != 0:
             wrong.append(f"reads {reply!r} with status {status} from a file left {state}")
+        if state == "empty":
+            wrong.append("a killed writer leaves an empty file")
         if state != "complete":
             shutil.copy("/factory" + MAIN, MAIN)
             i = 0
