@@ -5,7 +5,7 @@ add_library(onu_options INTERFACE)
 target_include_directories(onu_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_definitions(onu_options INTERFACE _GNU_SOURCE _FILE_OFFSET_BITS=64)
 target_compile_options(onu_options INTERFACE
-  -Wall -Wextra -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Wundef -Werror
+  -Wall -Wextra -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Wundef
   -ffunction-sections -fdata-sections
   -fno-threadsafe-statics)  # getInstance needs no lock: every program here is one thread
 
@@ -16,10 +16,12 @@ if(ONU_SANITIZE)
 else()
   # At a fixed address: a position-independent executable relocates itself at every start, which is
   # most of what a request of ours would cost.
-  target_compile_options(onu_options INTERFACE
-    -fno-pie -fstack-protector-strong
-    "$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  target_compile_options(onu_options INTERFACE -fno-pie)
   target_link_options(onu_options INTERFACE -no-pie)
+endif()
+if(ONU_HARDENING)
+  target_compile_options(onu_options INTERFACE
+    -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 endif()
 
 add_library(onu_unit INTERFACE)

@@ -7,8 +7,6 @@
 namespace onu {
 namespace {
 
-constexpr int kRefused = 405;
-
 void sendLoopDetection(WebRequest& request) {
   std::string stored;
   ProfileData::getInstance().getLoopDetect("0", stored);

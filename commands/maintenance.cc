@@ -1,6 +1,7 @@
 #include "commands/maintenance.h"
 
 #include <array>
+#include <cstdint>
 #include <initializer_list>
 
 #include "device/shell.h"

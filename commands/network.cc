@@ -7,8 +7,6 @@
 namespace onu {
 namespace {
 
-constexpr int kRefused = 405;
-
 void sendIpAddress(WebRequest& request) {
   IpInfo ip;
   ConfigData::getInstance().getIpInfo(ip);

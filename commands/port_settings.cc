@@ -1,5 +1,7 @@
 #include "commands/port_settings.h"
 
+#include <vector>
+
 #include "commands/get_or_set.h"
 #include "config/config_data.h"
 #include "config/tpm_data.h"

@@ -1,5 +1,7 @@
 #include "commands/port_status.h"
 
+#include <vector>
+
 #include "config/config_data.h"
 #include "config/profile_data.h"
 

@@ -1,6 +1,7 @@
 #include "commands/traffic_shaping.h"
 
 #include <array>
+#include <utility>
 
 #include "commands/get_or_set.h"
 #include "config/config_data.h"

@@ -1,5 +1,7 @@
 #include "commands/vlan.h"
 
+#include <vector>
+
 #include "config/config_data.h"
 #include "device/cli_runner.h"
 

@@ -1,5 +1,7 @@
 #include "config/config_data.h"
 
+#include <utility>
+
 #include "config/settings_file.h"
 #include "frontend/message.h"
 

@@ -11,9 +11,13 @@
 namespace onu {
 namespace {
 
+constexpr std::size_t kBlock = 512;  // bytes, the least room that a file system gives to a file
+
 struct Release {
   void operator()(char* text) const { std::free(text); }
 };
+
+std::size_t blocks(std::size_t size) { return (size + kBlock - 1) / kBlock; }
 
 // Whether the file can take `size` bytes. Flash file systems cannot reserve room; of those the room
 // that is free beside the old text counts.
@@ -26,18 +30,14 @@ bool hasRoom(int file, std::size_t size) {
          std::uint64_t{state.f_bavail} * state.f_frsize >= size;
 }
 
-// The smallest unit in which a file system gives room to a file, in bytes.
-constexpr std::size_t kBlock = 512;
-
-std::size_t blocks(std::size_t size) { return (size + kBlock - 1) / kBlock; }
-
 }  // namespace
 
 void saveXml(const char* path, const xml::XmlRoot* document) {
   std::size_t size = 0;
   const std::unique_ptr<char, Release> text(xml::toXml(&document->xml, &size));
 
-  // A text that needs no further block fits where the one was that it was read from.
+  // A text that needs no further block fits where the one was that it was read from, but on a flash
+  // file system that is full.
   const auto before = static_cast<std::size_t>(document->e - document->s);
   const Fd file = Fd::open(path, O_WRONLY | O_CREAT);
   if (!file || (blocks(size) > blocks(before) && !hasRoom(file.get(), size))) {

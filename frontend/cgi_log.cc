@@ -1,6 +1,8 @@
 #include "frontend/cgi_log.h"
 
 #include <cstring>
+#include <ctime>
+#include <string>
 
 namespace onu {
 namespace {

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <ctime>
-#include <string>
+#include <cstddef>
 #include <string_view>
 
 #include "frontend/fd.h"
@@ -9,7 +8,8 @@
 namespace onu {
 
 // The diagnostic log "/var/cgi.log". It keeps its newest 2 MiB: what exceeds them is dropped from
-// the front, at a byte position. Several processes writing at once may lose lines.
+// the front, at a byte position. Several processes writing at once may lose lines. No command
+// writes to it.
 class CgiLog {
  public:
   // Opens the log on first use, never destroyed. A log that cannot be opened takes no lines.

@@ -2,7 +2,7 @@
 
 namespace onu {
 
-// Where the front end, the device readers and some commands report what they do. This build keeps
+// Where the front end and the device readers report what they do. This build keeps
 // nothing of it: the message is not even formatted, so a wrong argument count does no harm.
 template <typename... Arguments>
 inline void debugTrace(const char* /*format*/, const Arguments&... /*arguments*/) {}

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <string>
 #include <string_view>
 #include <utility>
 

@@ -30,6 +30,8 @@ class JsonFields {
 // "{}" when there are no fields.
 std::string toJsonObject(const JsonFields& fields);
 
+constexpr int kRefused = 405;  // the HTTP status for a setting that could not be stored
+
 // Writes replies to standard output, each in one write. Write errors are not reported.
 class ResponseWriter {
  public:

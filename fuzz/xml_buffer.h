@@ -1,7 +1,6 @@
 // A heap copy that ends with its allocation, so that any read behind it is found.
 #pragma once
 
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>

@@ -4,7 +4,8 @@
 //
 // Blocks lie one after another, first in a static area, which takes no memory until it is touched,
 // then in areas of the kernel's. A freed block is used again once all later ones are freed as well:
-// requests free their memory in the reverse order, more or less.
+// requests free their memory in the reverse order, more or less. A text that grows by doubling
+// holds its former copies until then.
 
 #include <sys/mman.h>
 
@@ -13,6 +14,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -36,20 +38,36 @@ struct alignas(std::max_align_t) Area {
 alignas(Block) char g_bytes[kAreaSize];
 Area g_first = {nullptr, nullptr, g_bytes, g_bytes + sizeof(g_bytes)};
 Area* g_area = &g_first;
+Area* g_spare = nullptr;  // one that became empty, of kAreaSize
 
 std::size_t roundUp(std::size_t size, std::size_t step) { return (size + step - 1) / step * step; }
 
-Block* blockOf(void* bytes) { return static_cast<Block*>(bytes) - 1; }
+// The block in use that `bytes` belong to. Freed bytes end the process: there is no telling what
+// they are by now.
+Block* blockOf(void* bytes) {
+  Block* const block = static_cast<Block*>(bytes) - 1;
+  if ((block->size & kFreed) != 0) {
+    std::abort();
+  }
+  return block;
+}
 
-std::size_t roomLeft(const Area& area) { return static_cast<std::size_t>(area.end - area.next); }
+std::size_t distance(const void* from, const void* to) {
+  return static_cast<std::size_t>(static_cast<const char*>(to) - static_cast<const char*>(from));
+}
 
 // The size of a block for `size` bytes; 0 where no memory could hold it.
 std::size_t blockSize(std::size_t size) {
   return size > PTRDIFF_MAX - kAreaSize ? 0 : sizeof(Block) + roundUp(size, sizeof(Block));
 }
 
-// Makes a new area with room for a block of `size` the one to take from. False without memory.
+// Makes an area with room for `size` bytes the one to take from. False without memory.
 bool addArea(std::size_t size) {
+  if (size <= kAreaSize - sizeof(Area) && g_spare != nullptr) {
+    g_spare->before = g_area;
+    g_area = std::exchange(g_spare, nullptr);
+    return true;
+  }
   const std::size_t length =
       size > kAreaSize - sizeof(Area) ? roundUp(sizeof(Area) + size, kPageSize) : kAreaSize;
   void* const memory =
@@ -64,7 +82,8 @@ bool addArea(std::size_t size) {
   return true;
 }
 
-// Takes the free blocks off the end, and the areas that become empty by it.
+// Takes the free blocks off the end, and the areas that become empty by it. One is kept: a block
+// that comes and goes at the end of an area must not cost two system calls each time.
 void takeBack() {
   for (;;) {
     while (g_area->last != nullptr && (g_area->last->size & kFreed) != 0) {
@@ -74,22 +93,31 @@ void takeBack() {
     if (g_area->last != nullptr || g_area == &g_first) {
       return;
     }
-    Area* const empty = g_area;
-    g_area = empty->before;
-    ::munmap(empty, static_cast<std::size_t>(empty->end - reinterpret_cast<char*>(empty)));
+    Area* const empty = std::exchange(g_area, g_area->before);
+    const std::size_t length = distance(empty, empty->end);
+    if (length == kAreaSize && g_spare == nullptr) {
+      g_spare = empty;
+    } else {
+      ::munmap(empty, length);
+    }
   }
 }
 
-}  // namespace
+// What has to be left out before the next block, for its bytes to be aligned.
+std::size_t gapBefore(std::size_t alignment) {
+  return (0 - reinterpret_cast<std::uintptr_t>(g_area->next + sizeof(Block))) & (alignment - 1);
+}
 
-extern "C" {
-
-void* malloc(std::size_t size) {
+// Bytes at a multiple of `alignment`, a power of two not below that of a block.
+void* take(std::size_t size, std::size_t alignment) {
   const std::size_t whole = blockSize(size);
-  if (whole == 0 || (roomLeft(*g_area) < whole && !addArea(whole))) {
+  if (whole == 0 || alignment > kAreaSize ||
+      (distance(g_area->next, g_area->end) < gapBefore(alignment) + whole &&
+       !addArea(alignment + whole))) {
     errno = ENOMEM;
     return nullptr;
   }
+  g_area->next += gapBefore(alignment);
   Block* const block = reinterpret_cast<Block*>(g_area->next);
   *block = {g_area->last, whole};
   g_area->last = block;
@@ -97,14 +125,17 @@ void* malloc(std::size_t size) {
   return block + 1;
 }
 
+}  // namespace
+
+extern "C" {
+
+void* malloc(std::size_t size) { return take(size, alignof(Block)); }
+
 void free(void* bytes) {
   if (bytes == nullptr) {
     return;
   }
   Block* const block = blockOf(bytes);
-  if ((block->size & kFreed) != 0) {
-    std::abort();
-  }
   block->size |= kFreed;
   if (block == g_area->last) {
     takeBack();
@@ -127,8 +158,7 @@ void* realloc(void* bytes, std::size_t size) {
   }
   Block* const block = blockOf(bytes);
   const std::size_t whole = blockSize(size);
-  if (whole != 0 && block == g_area->last &&
-      whole <= static_cast<std::size_t>(g_area->end - reinterpret_cast<char*>(block))) {
+  if (whole != 0 && block == g_area->last && whole <= distance(block, g_area->end)) {
     block->size = whole;
     g_area->next = reinterpret_cast<char*>(block) + whole;
     return bytes;
@@ -142,6 +172,27 @@ void* realloc(void* bytes, std::size_t size) {
     free(bytes);
   }
   return moved;
+}
+
+// The rest of the family: the C library's would give out blocks that free() here does not know.
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+  return take(size, alignment < alignof(Block) ? alignof(Block) : alignment);
+}
+
+void* memalign(std::size_t alignment, std::size_t size) { return aligned_alloc(alignment, size); }
+
+int posix_memalign(void** bytes, std::size_t alignment, std::size_t size) {
+  void* const taken = aligned_alloc(alignment, size);
+  if (taken == nullptr) {
+    return ENOMEM;
+  }
+  *bytes = taken;
+  return 0;
+}
+
+std::size_t malloc_usable_size(void* bytes) {
+  return bytes == nullptr ? 0 : blockOf(bytes)->size - sizeof(Block);
 }
 
 }  // extern "C"

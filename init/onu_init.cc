@@ -1,6 +1,7 @@
 // Run at boot: brings up the management interface and makes the MAC address of the bootloader
 // environment and of the settings agree. With one argument, a MAC address, stores that in both
-// instead. Always ends with status 0: the boot goes on whatever was found.
+// instead; the settings are the factory's afterwards. Always ends with status 0: the boot goes on
+// whatever was found.
 
 #include <cstdlib>
 #include <string>

@@ -8,6 +8,9 @@ build_packages="g++ cmake ninja-build"
 unit_packages="bubblewrap busybox-static libubootenv-tool"
 # shellcheck disable=SC2034
 test_packages="libgtest-dev python3"
+# shellcheck disable=SC2034 # Google Benchmark, and the peers
+bench_packages="libbenchmark-dev pkg-config libpugixml-dev librapidxml-dev libtinyxml2-dev
+  libmxml-dev libexpat1-dev libxml2-dev"
 
 # Installs those of the Debian packages that are missing, with sudo where we are not root.
 need_packages() {

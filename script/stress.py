@@ -2,6 +2,7 @@
 
 import argparse
 import collections
+import contextlib
 import glob
 import os
 import random
@@ -125,16 +126,20 @@ def fetch(query):
     return re.sub(r"Date: .*\r\n", "", answer.decode())
 
 
+@contextlib.contextmanager
 def server():
     process = subprocess.Popen(["/bin/httpd", "-f", "-p", f"127.0.0.1:{PORT}", "-h",
                                 "/var/tevo/website/www"], stderr=subprocess.DEVNULL)
-    for _ in range(500):
-        try:
-            socket.create_connection(("127.0.0.1", PORT)).close()
-            return process
-        except ConnectionRefusedError:
+    try:
+        for _ in range(500):
+            with socket.socket() as connection:
+                if connection.connect_ex(("127.0.0.1", PORT)) == 0:
+                    break
             time.sleep(0.01)
-    raise RuntimeError("the web server does not listen")
+        yield
+    finally:
+        process.kill()
+        process.wait()
 
 
 # What replies may look like.
@@ -227,15 +232,11 @@ def read_with_clients(count, right):
 def stage_readers(options):
     count = 400 if options.quick else 2000
     reset()
-    process = server()
-    try:
+    with server():
         expected = {query: Request(query).run()[0] for query in READS}
         start = time.monotonic()
         wrong = read_with_clients(count, lambda query, answer: answer == expected[query] != "")
         took = time.monotonic() - start
-    finally:
-        process.kill()
-        process.wait()
     print(f"  {count} requests of 8 clients, {count / took:.0f} a second; wrong or empty: "
           f"{len(wrong)}")
     return wrong
@@ -244,8 +245,7 @@ def stage_readers(options):
 def stage_writer(options):
     count = 400 if options.quick else 2000
     reset()
-    process = server()
-    try:
+    with server():
         stored = set(re.findall(r"=([^&]*)", "&".join(CHANGES)))
         allowed = learn(fetch, READS, stored)
         reset_done = threading.Event()
@@ -272,9 +272,6 @@ def stage_writer(options):
         wrong = read_with_clients(count, right)
         reset_done.set()
         writer.join()
-    finally:
-        process.kill()
-        process.wait()
     broken = [f"{path} ends {document_state(path)}" for path in settings_files()
               if document_state(path) != "complete"]
     print(f"  {count} requests of 8 clients beside {written} changes of one more: {dict(other)}; "
@@ -333,38 +330,45 @@ def stage_kill(options):
 def calls_of(request):
     """How often the request's own process makes each of the calls."""
     request.run("/usr/bin/strace", "-qq", "-o", "/tmp/trace", "-e",
-                "trace=open,openat,read,write,close")
+                "trace=open,openat,read,write,close,fallocate,ftruncate")
     with open("/tmp/trace", encoding="utf-8", errors="replace") as file:
         return collections.Counter(line.partition("(")[0] for line in file if "(" in line)
 
 
+def replies_without_a_file(request):
+    """What the request may reply while one of its files is missing."""
+    allowed = Allowed()
+    if request.query in READS:
+        for _ in worlds():
+            allowed.add(request.run()[0])
+    else:
+        for path in [None] + settings_files():
+            reset()
+            if path:
+                os.unlink(path)
+            allowed.add(request.run()[0])
+    number = re.match("cmd_id=[0-9]*", request.query or request.body.decode()).group()
+    if number in TWO_READS:
+        allowed.add(page(TWO_READS[number]))
+    if request.upload:
+        allowed.add(error_page(400, "receive file fail"))
+    elif request.body:
+        allowed.add(error_page(404, "processor is not find"))
+    return allowed
+
+
 def stage_faults(options):
-    usual = {"openat": ["EMFILE", "ENOENT"], "read": ["EIO"], "write": ["ENOSPC"], "close": ["EIO"]}
+    opening = ["EMFILE", "ENOENT"]
+    usual = {"open": opening, "openat": opening, "read": ["EIO"], "write": ["ENOSPC"],
+             "close": ["EIO"], "fallocate": ["ENOSPC"], "ftruncate": ["EIO"]}
     everything = ["ENOSPC", "EIO", "EMFILE", "ENOENT"]
     requests = [Request(query) for query in READS + WRITES]
     requests += [posted("cmd_id=8"), posted("cmd_id=24&action=1&iso=1"),
                  uploaded("cmd_id=10&action=1"), uploaded("cmd_id=21&update_type=2")]
     runs, wrong, files = 0, [], collections.Counter()
     for request in requests:
-        allowed = Allowed()
-        if request.query in READS:
-            for _ in worlds():
-                allowed.add(request.run()[0])
-        else:
-            reset()
-            for path in [None] + settings_files():
-                reset()
-                if path:
-                    os.unlink(path)
-                allowed.add(request.run()[0])
-        number = re.match("cmd_id=[0-9]*", request.query or request.body.decode()).group()
-        if number in TWO_READS:
-            allowed.add(page(TWO_READS[number]))
-        if request.upload:
-            allowed.add(error_page(400, "receive file fail"))
-        elif request.body:
-            allowed.add(error_page(404, "processor is not find"))
-
+        reset()
+        allowed = replies_without_a_file(request)
         reset()
         for call, count in sorted(calls_of(request).items()):
             for error in everything if not options.quick else usual[call]:

@@ -95,7 +95,8 @@ Fd receiveListener(int socket, pid_t child) {
   iovec text{&error, sizeof error};
   msghdr made = message(text, control);
   int listener = -1;
-  if (::recvmsg(socket, &made, MSG_CMSG_CLOEXEC) > 0 && error == 0) {
+  if (::recvmsg(socket, &made, MSG_CMSG_CLOEXEC) > 0 && error == 0 &&
+      CMSG_FIRSTHDR(&made) != nullptr) {
     std::memcpy(&listener, CMSG_DATA(&control.header), sizeof listener);
   }
   Fd received(listener);

@@ -1,8 +1,6 @@
 // What a document owns behind its listed fields: element slabs and blocks for arrays and texts.
 #pragma once
 
-#include <cstring>
-
 #include "xml/xml.h"
 
 namespace xml::internal {

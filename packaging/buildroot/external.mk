@@ -1,1 +1,1 @@
-include $(BR2_EXTERNAL_ONU_PATH)/onu.mk
+include $(sort $(wildcard $(BR2_EXTERNAL_ONU_PATH)/package/*/*.mk))

@@ -41,7 +41,7 @@ TEST(Heap, KeepsBlocksApartAndTakesThemBack) {
     ASSERT_TRUE(holds(piece, piece.size)) << step;
     const std::size_t size = random() % (step % 50 == 0 ? 100000 : 300);
     const std::size_t kept = std::min(size, piece.size);
-    switch (random() % 4) {
+    switch (random() % 5) {
       case 0:
         std::free(piece.bytes);
         piece = {};
@@ -50,6 +50,11 @@ TEST(Heap, KeepsBlocksApartAndTakesThemBack) {
         std::free(piece.bytes);
         piece = {static_cast<unsigned char*>(std::calloc(size, 1)), size, 0};
         ASSERT_TRUE(holds(piece, size)) << step;
+        break;
+      case 2:
+        std::free(piece.bytes);
+        piece = {static_cast<unsigned char*>(std::aligned_alloc(4096, size)), size, 0};
+        ASSERT_EQ(reinterpret_cast<std::uintptr_t>(piece.bytes) % 4096, 0U) << step;
         break;
       default:
         piece.bytes = static_cast<unsigned char*>(std::realloc(piece.bytes, size));
@@ -94,11 +99,24 @@ TEST(Heap, RefusesWhatCannotBe) {
   std::free(bytes);
 }
 
-TEST(HeapDeathTest, EndsTheProcessOnASecondFree) {
+// A block that comes and goes at the end of an area must not cost system calls.
+TEST(Heap, KeepsOneEmptyArea) {
+  constexpr std::size_t kMostOfAnArea = 200000;
+  void* const filling = std::malloc(kMostOfAnArea);
+  char* const block = static_cast<char*>(std::malloc(kMostOfAnArea));
+  std::free(block);
+  EXPECT_TRUE(isMapped(block));
+  EXPECT_EQ(std::malloc(kMostOfAnArea), block);
+  std::free(block);
+  std::free(filling);
+}
+
+TEST(HeapDeathTest, EndsTheProcessOnFreedBytes) {
   void* const bytes = std::malloc(10);
   void* const behind = std::malloc(10);
   std::free(bytes);
   EXPECT_DEATH(std::free(bytes), "");
+  EXPECT_DEATH(static_cast<void>(!std::realloc(bytes, 5)), "");
   std::free(behind);
 }
 

@@ -87,7 +87,7 @@ TEST_F(Init, StandsUnreadableSettings) {
 }
 
 TEST_F(Init, BringsTheInterfaceUpThoughNobodyListens) {
-  const Outcome outcome = run("/bin/busybox", {"sh", "-c", "/sbin/onu-init | :; sleep 1"});
+  const Outcome outcome = run("/bin/busybox", {"sh", "-c", "/usr/sbin/onu-init | :; sleep 1"});
   EXPECT_FALSE(outcome.tools.empty());
 }
 

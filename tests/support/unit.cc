@@ -207,7 +207,7 @@ Outcome Unit::run(const std::string& program, const std::vector<std::string>& ar
 Outcome Unit::cgi(const Request& request) { return run(kCgi, {}, request); }
 
 Outcome Unit::init(const std::vector<std::string>& arguments) {
-  return run("/sbin/onu-init", arguments);
+  return run("/usr/sbin/onu-init", arguments);
 }
 
 }  // namespace onu::test
