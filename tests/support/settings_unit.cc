@@ -10,7 +10,42 @@
 namespace onu::test {
 namespace {
 
-constexpr const char* kComment = "<!-- lost when the file is written -->";
+constexpr const char* kSuffix = "_xml_cfg_file.xml";
+
+constexpr const char* kMain = R"(<m>
+<commInfo><model>M</model><softwareVersion>S"1</softwareVersion></commInfo>
+<ipInfo><ipAddress>192.168.1.1</ipAddress><netMask>255.255.255.0</netMask>
+  <onu_mac>02:10:20:30:40:50</onu_mac></ipInfo>
+<account><admin>se&lt;cret</admin><user></user></account>
+<vlan><port mode="v0" default_vid="d0" vid_sum="n0" vid_serial="l0">0</port>
+  <port mode="v1" default_vid="d1" vid_sum="n1" vid_serial="l1">1</port></vlan>
+<onu><fec_mode>fm</fec_mode><fec_ability>fa</fec_ability><sn>sn</sn>
+  <loid password="lp">li</loid></onu>
+<switch><port phy_admin="p0" flow_control="f0" auto_neg="a0" mode="m0" mode_max="x0">0</port>
+  <o></o><port mode="&lt;">1</port></switch>
+<mac_aging_time><eth_port time="9">1</eth_port><eth_port time="300">0</eth_port></mac_aging_time>
+<storm><port mode="b0" bs_thresh="t0">0</port><port mode="b1">1</port></storm></m>)";
+
+constexpr const char* kTpm = R"(<t><mtu_setting><mtu_setting_enabled>e</mtu_setting_enabled>
+<ipv4_mtu_ds>ds</ipv4_mtu_ds><ipv4_mtu_us>us</ipv4_mtu_us>
+<ipv4_pppoe_mtu_us>po</ipv4_pppoe_mtu_us></mtu_setting><port_init><tx_module_parameters>
+  <tx_mod></tx_mod><tx_mod><queue_map><queue></queue></queue_map></tx_mod>
+  <tx_mod><queue_map>TRANSMIT</queue_map></tx_mod><tx_mod></tx_mod></tx_module_parameters>
+<gmac_config><gmac_rx_queues><gmac></gmac><gmac><queue></queue></gmac>
+  <gmac>RECEIVE</gmac><gmac></gmac></gmac_rx_queues></gmac_config></port_init>
+<flow_control><enabled>on</enabled></flow_control></t>)";
+
+constexpr const char* kEoam = R"(<e><ONU_MULTICAST>
+<oam_multicast_switch>a&lt;"b</oam_multicast_switch>
+<port groupnum="32"></port><port groupnum="33"></port></ONU_MULTICAST><ONU_LOOPDETECT>
+<port loopdetect="1">0</port><port loopdetect="2">1</port></ONU_LOOPDETECT></e>)";
+
+constexpr const char* kOmci =
+    R"(<o><OMCI_MIB><ctcLOIDAuth loid="gl" password="gp"></ctcLOIDAuth>
+<ethPortIsolated a="&quot;" enabled="true"></ethPortIsolated></OMCI_MIB></o>)";
+
+constexpr const char* kGpon = R"(<g><PON><PON_serial_num>ABCD0000</PON_serial_num>
+<PON_passwd>pp</PON_passwd><PON_serial_src>1</PON_serial_src></PON></g>)";
 
 // Starts to watch the folders that requests write to.
 int startWatch() {
@@ -31,91 +66,80 @@ std::string endWatch(int queue) {
     inotify_event event{};
     std::memcpy(&event, buffer.data() + at, sizeof event);
     const std::string name = buffer.data() + at + sizeof event;
-    names += name.substr(0, name.find("_xml_cfg_file.xml")) + " ";
+    names += name.substr(0, name.find(kSuffix)) + " ";
     at += static_cast<ssize_t>(sizeof event + event.len);
   }
   return names;
 }
 
-void replaceAll(std::string& text, const SettingsCase::Change& change, int& count) {
-  for (std::size_t at = 0; (at = text.find(change.from, at)) != std::string::npos; ++count) {
-    text.replace(at, change.from.size(), change.to);
-    at += change.to.size();
+bool replaceAll(std::string& text, const std::string& from, const std::string& to) {
+  bool found = false;
+  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+    text.replace(at, from.size(), to);
+    found = true;
   }
+  return found;
+}
+
+SettingsUnit::Files settings() {
+  std::string transmit;
+  std::string receive;
+  for (const std::string number : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"}) {
+    transmit +=
+        R"(<queue sched_method="m" weight="w)" + number + R"(" size="s)" + number + "\"></queue>";
+    receive += R"(<queue size="r)" + number + "\"></queue>";
+  }
+  std::string tpm = kTpm;
+  replaceAll(tpm, "TRANSMIT", transmit);
+  replaceAll(tpm, "RECEIVE", receive);
+  return {{"tevo", kMain}, {"tpm", tpm}, {"eoam", kEoam}, {"omci", kOmci}, {"gpon", kGpon}};
 }
 
 }  // namespace
 
-std::string SettingsUnit::mainSettings() {
-  return "<m><ipInfo><ipAddress>192.168.1.1</ipAddress><netMask>255.255.255.0</netMask></ipInfo>"
-         "<vlan><port mode=\"v0\" default_vid=\"d0\" vid_sum=\"n0\" vid_serial=\"l0\">0</port>"
-         "<port mode=\"v1\" default_vid=\"d1\" vid_sum=\"n1\" vid_serial=\"l1\">1</port></vlan>"
-         "<switch><port phy_admin=\"p0\" flow_control=\"f0\" auto_neg=\"a0\" mode=\"m0\" "
-         "mode_max=\"x0\">0</port><o></o><port mode=\"&lt;\">1</port></switch><mac_aging_time>"
-         "<eth_port time=\"9\">1</eth_port><eth_port time=\"300\">0</eth_port></mac_aging_time>"
-         "<storm><port mode=\"b0\" bs_thresh=\"t0\">0</port><port mode=\"b1\">1</port></storm></m>";
+std::string SettingsUnit::path(const std::string& file) {
+  return file == "tevo" ? kSettings : "/etc/xml_params/" + file + kSuffix;
 }
 
-std::string SettingsUnit::tpmSettings() {
-  const std::string module = "<tx_mod><queue_map><queue></queue></queue_map></tx_mod>";
-  const std::string mac = "<gmac><queue></queue></gmac>";
-  std::string transmit;
-  std::string receive;
-  for (const char number : std::string("0123456789")) {
-    transmit += std::string("<queue sched_method=\"m\" weight=\"w") + number + "\" size=\"s" +
-                number + "\"></queue>";
-    receive += std::string("<queue size=\"r") + number + "\"></queue>";
+void SettingsUnit::check(const std::vector<SettingsCase>& cases, const Files& other) {
+  for (const SettingsCase& c : cases) {
+    const std::string label = c.query.substr(0, 100) + (other.empty() ? "" : other.begin()->second);
+    Files want = other;
+    want.merge(settings());
+    for (const auto& [file, text] : want) {
+      writeFile(path(file), text);
+      if (text == kAbsent) {
+        std::filesystem::remove(path(file));
+      }
+    }
+    writeFile("/tmp/TempFile", "a longer script that another process has left behind" + c.query);
+    const int watch = startWatch();
+    const Outcome outcome = cgi(get(c.query));
+    EXPECT_EQ(endWatch(watch), c.written) << label;
+    EXPECT_EQ(outcome.out, c.reply) << label;
+    EXPECT_EQ(outcome.scripts.empty() ? outcome.commands : outcome.scripts, c.runs) << label;
+    for (std::size_t i = 0; i < c.changes.size(); i += 2) {
+      bool found = false;
+      for (auto& [file, text] : want) {
+        found = replaceAll(text, c.changes[i], c.changes[i + 1]) || found;
+      }
+      EXPECT_TRUE(found) << label << ": " << c.changes[i];
+    }
+    for (const auto& [file, text] : want) {
+      EXPECT_EQ(exists(path(file)) ? readFile(path(file)) : kAbsent, text) << label;
+    }
   }
-  return "<t><mtu_setting><mtu_setting_enabled>e</mtu_setting_enabled><ipv4_mtu_ds>ds</ipv4_mtu_ds>"
-         "<ipv4_mtu_us>us</ipv4_mtu_us><ipv4_pppoe_mtu_us>po</ipv4_pppoe_mtu_us></mtu_setting>"
-         "<port_init><tx_module_parameters>" +
-         module + module + "<tx_mod><queue_map>" + transmit + "</queue_map></tx_mod>" + module +
-         "</tx_module_parameters><gmac_config><gmac_rx_queues>" + mac + mac + "<gmac>" + receive +
-         "</gmac>" + mac +
-         "</gmac_rx_queues></gmac_config></port_init>"
-         "<flow_control><enabled>on</enabled></flow_control></t>";
 }
 
-void SettingsUnit::check(const SettingsCase& c) {
-  writeFile(kSettings, mainSettings() + kComment);
-  writeFile(kTpm, tpmSettings() + kComment);
-  const int watch = startWatch();
-  const Outcome outcome = cgi(get(c.query));
-  EXPECT_EQ(endWatch(watch), c.written) << c.label;
-  EXPECT_EQ(outcome.out, c.reply) << c.label;
-  EXPECT_EQ(outcome.scripts.empty() ? outcome.commands : outcome.scripts, c.runs) << c.label;
-  if (!outcome.scripts.empty()) {
-    EXPECT_EQ(outcome.commands, (std::vector<std::string>{"clish </tmp/TempFile >/dev/null ",
-                                                          "rm -f /tmp/TempFile"}));
-    EXPECT_FALSE(exists("/tmp/TempFile"));
+void SettingsUnit::checkWithoutValues(const std::vector<SettingsCase>& cases) {
+  for (const char* content : {"<x><vlan/><switch/><mac_aging_time/><storm/><flow_control/></x>", "",
+                              "no xml", "\xff\xfe<", kAbsent}) {
+    Files files;
+    for (const auto& [file, text] : settings()) {
+      files[file] = content;
+    }
+    check(cases, files);
   }
-  std::string main = mainSettings();
-  std::string tpm = tpmSettings();
-  for (const SettingsCase::Change& change : c.changes) {
-    int count = 0;
-    replaceAll(main, change, count);
-    replaceAll(tpm, change, count);
-    EXPECT_GT(count, 0) << c.label << ": " << change.from;
-  }
-  const auto after = [&](const char* file) {
-    return c.written.find(file) == std::string::npos ? kComment : "";
-  };
-  EXPECT_EQ(readFile(kSettings), main + after("tevo ")) << c.label;
-  EXPECT_EQ(readFile(kTpm), tpm + after("tpm ")) << c.label;
-}
-
-void SettingsUnit::checkWithoutValues(const std::string& query, const std::string& reply) {
-  for (const char* content :
-       {"<x><vlan/><switch/><mac_aging_time/><storm/><flow_control/></x>", "", "no xml"}) {
-    writeFile(kSettings, content);
-    writeFile(kTpm, content);
-    EXPECT_EQ(Unit::reply(query), reply) << query << content;
-    EXPECT_EQ(readFile(kSettings) + readFile(kTpm), std::string(content) + content) << query;
-  }
-  std::filesystem::remove(kSettings);
-  std::filesystem::remove(kTpm);
-  EXPECT_EQ(Unit::reply(query), reply) << query;
-  EXPECT_FALSE(exists(kSettings) || exists(kTpm)) << query;
 }
 
 }  // namespace onu::test

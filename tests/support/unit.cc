@@ -1,115 +1,29 @@
 #include "tests/support/unit.h"
 
-#include <fcntl.h>
-#include <poll.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace onu::test {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr const char* kCgi = "/var/tevo/website/www/cgi-bin/onu-cgi";
-
-struct Pipe {
-  Pipe() {
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-      std::abort();
-    }
-  }
-  ~Pipe() {
-    closeEnd(0);
-    closeEnd(1);
-  }
-  void closeEnd(int which) {
-    if (ends[which] >= 0) {
-      ::close(ends[which]);
-      ends[which] = -1;
-    }
-  }
-  int ends[2] = {-1, -1};
-};
-
-std::vector<std::string> split(const std::string& text, char separator) {
-  std::vector<std::string> pieces;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.find(separator, at), text.size());
-    pieces.push_back(text.substr(at, end - at));
-    at = end + 1;
+// The pieces of a record, each of which ends with a zero byte.
+Texts record(const std::string& name) {
+  std::istringstream text(readFile("/record/" + name));
+  Texts pieces;
+  for (std::string piece; std::getline(text, piece, '\0');) {
+    pieces.push_back(piece);
   }
   return pieces;
-}
-
-// Feeds the body and collects both outputs until the child has closed them.
-void converse(const std::string& body, Pipe& in, Pipe& out, Pipe& err, Outcome& outcome) {
-  std::size_t sent = 0;
-  if (body.empty()) {
-    in.closeEnd(1);
-  }
-  while (out.ends[0] >= 0 || err.ends[0] >= 0) {
-    std::array<pollfd, 3> waiting = {
-        {{in.ends[1], POLLOUT, 0}, {out.ends[0], POLLIN, 0}, {err.ends[0], POLLIN, 0}}};
-    ::poll(waiting.data(), waiting.size(), -1);
-    if (waiting[0].revents != 0) {
-      const ssize_t put = ::write(in.ends[1], body.data() + sent, body.size() - sent);
-      sent += put > 0 ? static_cast<std::size_t>(put) : 0;
-      if (put < 0 || sent == body.size()) {
-        in.closeEnd(1);
-      }
-    }
-    std::array<char, 65536> buffer;
-    const auto take = [&](const pollfd& ready, Pipe& from, std::string& text) {
-      if (ready.revents == 0) {
-        return;
-      }
-      const ssize_t got = ::read(from.ends[0], buffer.data(), buffer.size());
-      if (got <= 0) {
-        return from.closeEnd(0);
-      }
-      text.append(buffer.data(), static_cast<std::size_t>(got));
-    };
-    take(waiting[1], out, outcome.out);
-    take(waiting[2], err, outcome.err);
-  }
-}
-
-[[noreturn]] void become(const std::string& program, const std::vector<std::string>& arguments,
-                         const Request& request, Pipe& in, Pipe& out, Pipe& err) {
-  ::dup2(in.ends[0], STDIN_FILENO);
-  ::dup2(out.ends[1], STDOUT_FILENO);
-  ::dup2(err.ends[1], STDERR_FILENO);
-  if (request.closeOutput) {
-    ::close(STDOUT_FILENO);
-  }
-  std::vector<std::string> words = {program};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> variables = {"PATH=/bin:/sbin"};
-  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
-    if (const char* const value = std::getenv(name)) {
-      variables.push_back(std::string(name) + "=" + value);
-    }
-  }
-  for (const auto& [name, value] : request.environment) {
-    variables.push_back(name + "=" + value);
-  }
-  const auto pointers = [](std::vector<std::string>& texts) {
-    std::vector<char*> list;
-    for (std::string& text : texts) {
-      list.push_back(text.data());
-    }
-    list.push_back(nullptr);
-    return list;
-  };
-  ::signal(SIGPIPE, SIG_DFL);
-  ::execve(program.c_str(), pointers(words).data(), pointers(variables).data());
-  ::_exit(127);
 }
 
 }  // namespace
@@ -126,15 +40,13 @@ Request post(const std::string& text) {
 }
 
 Request upload(const std::string& query, const std::string& body, const std::string& length) {
-  return {{{"REQUEST_METHOD", "POST"},
-           {"QUERY_STRING", query},
-           {"CONTENT_TYPE", "multipart/form-data; boundary=x"},
-           {"CONTENT_LENGTH", length}},
-          body};
-}
-
-Request upload(const std::string& query, const std::string& body) {
-  return upload(query, body, std::to_string(body.size()));
+  Request request = post(body);
+  request.environment["QUERY_STRING"] = query;
+  request.environment["CONTENT_TYPE"] = "multipart/form-data; boundary=x";
+  if (!length.empty()) {
+    request.environment["CONTENT_LENGTH"] = length;
+  }
+  return request;
 }
 
 std::string json(const std::string& body) {
@@ -177,37 +89,45 @@ void Unit::SetUp() {
   reset();
 }
 
-Outcome Unit::run(const std::string& program, const std::vector<std::string>& arguments,
-                  const Request& request) {
-  for (const char* record : {"/record/commands", "/record/tools", "/record/clish"}) {
-    fs::remove(record);
+Outcome Unit::run(const std::string& program, Texts arguments, const Request& request) {
+  fs::remove("/record/commands");
+  fs::remove("/record/clish");
+  std::string name = program;
+  std::vector<char*> words = {name.data()};
+  for (std::string& argument : arguments) {
+    words.push_back(argument.data());
   }
-  Pipe in;
-  Pipe out;
-  Pipe err;
+  words.push_back(nullptr);
+  int streams[3];
+  for (int& stream : streams) {
+    stream = ::memfd_create("stream", MFD_CLOEXEC);
+  }
+  const auto path = [&](int stream) { return "/proc/self/fd/" + std::to_string(streams[stream]); };
+  writeFile(path(STDIN_FILENO), request.body);
   const pid_t child = ::fork();
   if (child == 0) {
-    become(program, arguments, request, in, out, err);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+      ::dup2(streams[stream], stream);
+    }
+    ::signal(SIGPIPE, SIG_DFL);
+    ::clearenv();
+    ::setenv("PATH", "/bin:/sbin", 1);
+    for (const auto& [variable, value] : request.environment) {
+      ::setenv(variable.c_str(), value.c_str(), 1);
+    }
+    ::execv(program.c_str(), words.data());
+    ::_exit(127);
   }
-  in.closeEnd(0);
-  out.closeEnd(1);
-  err.closeEnd(1);
-  ::signal(SIGPIPE, SIG_IGN);
   Outcome outcome;
-  converse(request.body, in, out, err, outcome);
-  int status = 0;
-  ::waitpid(child, &status, 0);
-  outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  outcome.commands = split(readFile("/record/commands"), '\0');
-  outcome.tools = split(readFile("/record/tools"), '\n');
-  outcome.scripts = split(readFile("/record/clish"), '\0');
+  ::waitpid(child, &outcome.status, 0);
+  outcome.status =
+      WIFEXITED(outcome.status) ? WEXITSTATUS(outcome.status) : 128 + WTERMSIG(outcome.status);
+  outcome.out = readFile(path(STDOUT_FILENO));
+  outcome.err = readFile(path(STDERR_FILENO));
+  std::for_each(std::begin(streams), std::end(streams), ::close);
+  outcome.commands = record("commands");
+  outcome.scripts = record("clish");
   return outcome;
-}
-
-Outcome Unit::cgi(const Request& request) { return run(kCgi, {}, request); }
-
-Outcome Unit::init(const std::vector<std::string>& arguments) {
-  return run("/usr/sbin/onu-init", arguments);
 }
 
 }  // namespace onu::test

@@ -8,27 +8,26 @@
 
 namespace onu::test {
 
+using Texts = std::vector<std::string>;
+
 // What the web server hands to the CGI program.
 struct Request {
   std::map<std::string, std::string> environment;
   std::string body;
-  bool closeOutput = false;  // run with standard output closed
 };
 
 Request get(const std::string& query);
 Request post(const std::string& text);
-// An upload of `body`, announced with `length` bytes, to a URL with the query string `query`.
-Request upload(const std::string& query, const std::string& body, const std::string& length);
-Request upload(const std::string& query, const std::string& body);
+// An upload of `body` to a URL with the query string `query`; `length` is announced for its own.
+Request upload(const std::string& query, const std::string& body, const std::string& length = "");
 
 // What came of it.
 struct Outcome {
   std::string out;
   std::string err;
-  int status = -1;                    // exit status, or 128 and the number of the signal
-  std::vector<std::string> commands;  // texts given to the unit's shell, in order
-  std::vector<std::string> tools;     // calls of reboot, ifconfig and the flash tools, in order
-  std::vector<std::string> scripts;   // what the command shell was fed
+  int status = -1;  // exit status, or 128 and the number of the signal
+  Texts commands;   // texts given to the unit's shell, in order
+  Texts scripts;    // what the command shell was fed
 };
 
 // The reply around a JSON body, and an error page, as the pages get them.
@@ -43,19 +42,20 @@ bool exists(const std::string& path);
 // files as they left the factory and with empty records.
 class Unit : public testing::Test {
  public:
-  static constexpr const char* kCounters = "/sys/devices/platform/epon/pm/allCnt";
-  static constexpr const char* kInfo = "/sys/devices/platform/epon/info/infoEpon";
+  static constexpr const char* kCgi = "/var/tevo/website/www/cgi-bin/onu-cgi";
   static constexpr const char* kSettings = "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml";
+  static constexpr const char* kProfile = "/etc/xml_params/onu_profile_xml_cfg_file.xml";
   static constexpr const char* kUpload = "/tmp/recFile";
 
   // Puts the unit back into the state in which every test starts.
   static void reset();
 
-  // Runs `program` with `arguments`; the records are those of this run alone.
-  static Outcome run(const std::string& program, const std::vector<std::string>& arguments,
-                     const Request& request = {});
-  static Outcome cgi(const Request& request);
-  static Outcome init(const std::vector<std::string>& arguments = {});
+  // Runs a program; the records are those of this run alone.
+  static Outcome run(const std::string& program, Texts arguments, const Request& request = {});
+  static Outcome cgi(const Request& request) { return run(kCgi, {}, request); }
+  static Outcome shell(const std::string& line, const Request& request = {}) {
+    return run("/bin/busybox", {"sh", "-c", line}, request);
+  }
   // The whole reply to a GET.
   static std::string reply(const std::string& query) { return cgi(get(query)).out; }
 

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -11,23 +12,17 @@
 // A document with its input, which ends with its heap allocation: whoever reads past it is found.
 class Parsed {
  public:
-  explicit Parsed(std::string_view text) : buffer_(static_cast<char*>(std::malloc(text.size()))) {
-    if (!text.empty()) std::memcpy(buffer_, text.data(), text.size());
-    document_.reset(xml::parseStr(buffer_, text.size()));
-  }
-  Parsed(const Parsed&) = delete;
-  Parsed& operator=(const Parsed&) = delete;
-  ~Parsed() {
-    document_.reset();
-    std::free(buffer_);
-  }
+  explicit Parsed(std::string_view text)
+      : buffer_(new char[text.size()]),
+        document_(
+            (text.copy(buffer_.get(), text.size()), xml::parseStr(buffer_.get(), text.size()))) {}
 
   xml::XmlNode* node() const { return document_.node(); }
   xml::XmlRoot* operator->() const { return document_.get(); }
   std::string error() const { return xml::error(node()); }
 
  private:
-  char* buffer_;
+  std::unique_ptr<char[]> buffer_;
   xml::Document document_;
 };
 
@@ -43,21 +38,16 @@ inline std::string written(const xml::XmlNode* node) {
 inline std::string shown(const xml::XmlNode* node) {
   if (node == nullptr || node->name == nullptr) return "none";
   std::string text = node->name;
-  if (node->attr[0] != nullptr) {
-    text += '{';
-    for (const char** pair = node->attr; *pair != nullptr; pair += 2) {
-      text += std::string(pair[0]) + "=" + pair[1] + ";";
-    }
-    text += '}';
+  for (const char** pair = node->attr; *pair != nullptr; pair += 2) {
+    text += (pair == node->attr ? "{" : "") + std::string(pair[0]) + "=" + pair[1] + ";";
   }
+  text += node->attr[0] == nullptr ? "" : "}";
   text += std::string("'") + node->txt + "'";
-  if (node->child == nullptr) return text;
-  text += '[';
   for (const xml::XmlNode* child = node->child; child != nullptr; child = child->ordered) {
-    text +=
-        shown(child) + "@" + std::to_string(child->off) + (child->ordered != nullptr ? " " : "");
+    text += child == node->child ? "[" : " ";
+    text += shown(child) + "@" + std::to_string(child->off);
   }
-  return text + "]";
+  return text + (node->child == nullptr ? "" : "]");
 }
 
 // The children by name, as first,same,same|other: what idx and child walk along.

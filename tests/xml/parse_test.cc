@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <initializer_list>
@@ -27,10 +28,9 @@ void expectTrees(std::initializer_list<TreeCase> cases) {
 
 TEST(Tree, Elements) {
   expectTrees({
-      {"<a/>", "a''"},
       {"\xEF\xBB\xBF<?xml version='1.0'?>\n<a></a>\n ", "a''"},
       {"<a>x<b>1</b>yz<c/>w</a>", "a'xyzw'[b'1'@1 c''@3]"},
-      {"<a>x<!-- - -- > -->y</a>", "a'xy'"},
+      {"<!DOCTYPE a PUBLIC '[' \">\"><a>x<!-- - -- > -->y</a>", "a'xy'"},
       {"<a>x<![CDATA[<&amp;\r\n]]]>y</a>", "a'x<&amp;\r\n]y'"},
       {"<a>x<?p q?>y</a>", "a'xy'"},
       {"<a  b = \"1\"\tc='2' ><d /></a >", "a{b=1;c=2;}''[d''@0]"},
@@ -61,22 +61,18 @@ TEST(Tree, Decoding) {
 TEST(Tree, Errors) {
   expectTrees({
       {"", "none", "root tag missing"},
-      {"text", "none", "root tag missing"},
-      {"<!---->", "none", "root tag missing"},
       {"<a><b>x</b></c>", "a''[b'x'@0]", "unexpected closing tag </c>"},
       {"<a></ab>", "a''", "unexpected closing tag </ab>"},
+      {"<a></b>0123456789abcdef", "a''", "unexpected closing tag </b>"},
       {"</a>", "none", "markup outside of root element"},
       {"<![CDATA[x]]><a/>", "none", "markup outside of root element"},
       {"<a/><b/>", "a''", "markup outside of root element"},
       {"<a/> t", "a''", "markup outside of root element"},
-      {"<a></a></a>", "a''", "markup outside of root element"},
       {"<a><b c=\"1></b></a>", "a''", "missing \""},
       {"<a b='1\"/>", "none", "missing '"},
       {"<a><b/ ></a>", "a''", "missing >"},
       {"<a b", "none", "missing >"},
       {"<a></a b>", "a''", "missing >"},
-      {"<a></b c>", "a''", "unexpected closing tag </b>"},
-      {"<a></bc", "a''", "unexpected closing tag </bc>"},
       {"<a>x<b>1</b>y<c>z", "a'xy'[b'1'@1 c''@2]", "unclosed tag <c>"},
       {"<a>x<!-- ->", "a'x'", "unclosed <!--"},
       {"<a><!-->", "a''", "unclosed <!--"},
@@ -86,7 +82,6 @@ TEST(Tree, Errors) {
       {"<?a>", "none", "unclosed <?"},
       {"<a><1/></a>", "a''", "unexpected <"},
       {"<a><!ELEMENT/></a>", "a''", "unexpected <"},
-      {"<a><", "a''", "unexpected <"},
       {"\177ELF\1\0<"sv, "none", "root tag missing"},
   });
 }
@@ -139,10 +134,8 @@ TEST(Utf16, OfBothByteOrders) {
     for (bool highFirst : {true, false}) {
       std::string bytes;
       for (char16_t unit : u"\uFEFF" + text) {
-        char high = static_cast<char>(unit >> 8);
-        char low = static_cast<char>(unit & 0xFF);
-        bytes += highFirst ? high : low;
-        bytes += highFirst ? low : high;
+        bytes += static_cast<char>(highFirst ? unit >> 8 : unit);
+        bytes += static_cast<char>(highFirst ? unit : unit >> 8);
       }
       EXPECT_EQ(shown(Parsed(bytes).node()), tree) << highFirst;
       EXPECT_EQ(shown(Parsed(bytes + "x").node()), tree) << highFirst << " and an odd byte";
@@ -162,46 +155,33 @@ TEST(Depth, IsNoMatterOfStack) {
   EXPECT_EQ(Parsed(text.substr(0, 3 * kDepth)).error(), "[error near line 1]: unclosed tag <a>");
 }
 
-class Files : public testing::Test {
- protected:
-  Files() { fd_ = mkstemp(path_); }
-  ~Files() override {
-    close(fd_);
-    unlink(path_);
-  }
-  void fill(const std::string& text) {
-    ASSERT_EQ(pwrite(fd_, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
-  }
-  char path_[32] = "/tmp/xml_test.XXXXXX";
-  int fd_;
-};
-
-TEST_F(Files, AreReadByEveryEntryPoint) {
+TEST(Files, AreReadByEveryEntryPoint) {
   for (size_t length : {1U, 1016U, 1017U, 1018U, 5000U, 3000000U}) {
     std::string text = "<a>" + std::string(length, 'x') + "</a>";
-    fill(text);
-    lseek(fd_, 0, SEEK_SET);
-    FILE* stream = fopen(path_, "r");
+    int fd = memfd_create("file", 0);
+    ASSERT_EQ(pwrite(fd, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
+    std::string path = "/proc/self/fd/" + std::to_string(fd);
+    FILE* stream = fopen(path.c_str(), "r");
     for (xml::XmlRoot* root :
-         {xml::parseFile(path_), xml::parseFd(fd_), xml::parseStream(stream)}) {
+         {xml::parseFile(path.c_str()), xml::parseFd(fd), xml::parseStream(stream)}) {
       xml::Document document(root);
       ASSERT_TRUE(document);
       EXPECT_EQ(document->len, -1);
-      EXPECT_EQ(std::string(document->err), "");
       EXPECT_TRUE(written(document.node()) == text) << length;
     }
     fclose(stream);
+    close(fd);
   }
 }
 
-TEST_F(Files, ThatCannotBeRead) {
+TEST(Files, ThatCannotBeRead) {
   EXPECT_EQ(xml::parseFile("/nonexistent/file"), nullptr);
   EXPECT_EQ(xml::parseFd(-1), nullptr);
-  const char* missing = "[error near line 1]: root tag missing";
-  EXPECT_STREQ(xml::error(xml::Document(xml::parseFile(path_)).node()), missing);
-  EXPECT_STREQ(xml::error(xml::Document(xml::parseFile("/tmp")).node()), missing);
-  int writeOnly = open(path_, O_WRONLY);
-  EXPECT_STREQ(xml::error(xml::Document(xml::parseFd(writeOnly)).node()), missing);
+  int writeOnly = open("/dev/null", O_WRONLY);
+  for (xml::XmlRoot* root :
+       {xml::parseFile("/dev/null"), xml::parseFile("/tmp"), xml::parseFd(writeOnly)}) {
+    EXPECT_STREQ(xml::error(xml::Document(root).node()), "[error near line 1]: root tag missing");
+  }
   close(writeOnly);
 }
 
