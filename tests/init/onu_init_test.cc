@@ -72,7 +72,8 @@ TEST_F(Init, StandsUnreadableSettingsAndNoListener) {
   EXPECT_FALSE(exists(kSettings));
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.commands, (Texts{kUp[0], kUp[2], kUp[3]}));
-  EXPECT_EQ(shell("/usr/sbin/onu-init | :; sleep 1").commands, outcome.commands) << "nobody listens";
+  EXPECT_EQ(shell("/usr/sbin/onu-init | :; sleep 1").commands, outcome.commands)
+      << "nobody listens";
 }
 
 TEST_F(Init, StopsWithoutABootloaderAddress) {
