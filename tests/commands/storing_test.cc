@@ -61,6 +61,7 @@ TEST_F(Storing, Accounts) {
       {"cmd_id=1&username=guest&password=", kOk},
       {"cmd_id=19&pwdold=se<creT&pwdnew=y", json("1")},
       {"cmd_id=19&action=0&pwdold=se<cret&pwdnew=y", kOk, "tevo ", Texts{"se&lt;cret", "y"}},
+      {"cmd_id=20&pwdold=x&pwdnew=y", json("1")},
       {"cmd_id=20&pwdold=&pwdnew=", kOk},
       {"cmd_id=20&pwdnew=" + kOdd.text + "&pwdold=", kOk, "tevo ",
        Texts{"<user><", "<user>" + kOdd.asText + "<"}},

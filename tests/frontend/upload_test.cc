@@ -1,5 +1,7 @@
 #include "frontend/upload.h"
 
+#include <filesystem>
+
 #include "frontend/fd.h"
 #include "tests/support/unit.h"
 
@@ -88,6 +90,8 @@ TEST_F(Uploads, FailWithoutDispatch) {
     EXPECT_EQ(cgi(request).out, errorPage(400, "receive file fail"));
     EXPECT_FALSE(exists(kUpload)) << request.environment["CONTENT_LENGTH"];
   }
+  std::filesystem::create_symlink("/dev/full", kUpload);
+  EXPECT_EQ(cgi(upload("cmd_id=8", body)).out, errorPage(400, "receive file fail"));
 }
 
 TEST_F(Uploads, StoredNameOverlapsItsPrefix) {
