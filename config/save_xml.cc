@@ -36,16 +36,18 @@ void saveXml(const char* path, const xml::XmlRoot* document) {
   std::size_t size = 0;
   const std::unique_ptr<char, Release> text(xml::toXml(&document->xml, &size));
 
-  // A text that needs no further block fits where the one was that it was read from, but on a flash
-  // file system that is full.
-  const auto before = static_cast<std::size_t>(document->e - document->s);
+  // A text that needs no further block fits where the one was that it was read from, except on a
+  // full flash file system. Of UTF-16 the length in the file is not known here.
+  const std::size_t before =
+      document->u == nullptr ? static_cast<std::size_t>(document->e - document->s) : 0;
   const Fd file = Fd::open(path, O_WRONLY | O_CREAT);
   if (!file || (blocks(size) > blocks(before) && !hasRoom(file.get(), size))) {
     return;
   }
-  // Not truncated first: a process that is killed meanwhile would leave an empty file behind.
-  if (writeFully(file.get(), {text.get(), size})) {
-    static_cast<void>(!::ftruncate(file.get(), static_cast<off_t>(size)));
+  // Cut to the new length and not to nothing: a process that is killed in between leaves the old
+  // text, and not an empty file. Not cut afterwards: that might cut what another has written since.
+  if (::ftruncate(file.get(), static_cast<off_t>(size)) == 0) {
+    writeFully(file.get(), {text.get(), size});
   }
 }
 

@@ -1,6 +1,6 @@
 // malloc and its kin for programs that live a few milliseconds and have one thread: the executables
 // of a unit are linked with this instead of the C library's heap. That one prepares for long lives
-// and many threads, with more system calls than the rest of a request makes.
+// and many threads, with about as many system calls to begin with as a small request makes itself.
 //
 // Blocks lie one after another, first in a static area, which takes no memory until it is touched,
 // then in areas of the kernel's. A freed block is used again once all later ones are freed as well:
@@ -90,9 +90,15 @@ void takeBack() {
       g_area->next = reinterpret_cast<char*>(g_area->last);
       g_area->last = g_area->last->before;
     }
-    if (g_area->last != nullptr || g_area == &g_first) {
+    if (g_area->last != nullptr) {
       return;
     }
+    // A first block that had to be aligned does not stand at the start.
+    if (g_area == &g_first) {
+      g_area->next = g_bytes;
+      return;
+    }
+    g_area->next = reinterpret_cast<char*>(g_area + 1);
     Area* const empty = std::exchange(g_area, g_area->before);
     const std::size_t length = distance(empty, empty->end);
     if (length == kAreaSize && g_spare == nullptr) {
@@ -108,10 +114,11 @@ std::size_t gapBefore(std::size_t alignment) {
   return (0 - reinterpret_cast<std::uintptr_t>(g_area->next + sizeof(Block))) & (alignment - 1);
 }
 
-// Bytes at a multiple of `alignment`, a power of two not below that of a block.
+// Bytes at a multiple of `alignment`, which is not below that of a block. None when that is no
+// power of two.
 void* take(std::size_t size, std::size_t alignment) {
   const std::size_t whole = blockSize(size);
-  if (whole == 0 || alignment > kAreaSize ||
+  if (whole == 0 || alignment > kAreaSize || (alignment & (alignment - 1)) != 0 ||
       (distance(g_area->next, g_area->end) < gapBefore(alignment) + whole &&
        !addArea(alignment + whole))) {
     errno = ENOMEM;

@@ -317,10 +317,15 @@ def stage_kill(options):
             i = 0
             continue
         with open(MAIN, encoding="utf-8") as file:
-            changed = f"<user>{passwords[1 - i % 2]}</user>" in file.read()
+            stored = re.search("<user>(.*)</user>", file.read()).group(1)
+        changed = stored == passwords[1 - i % 2]
+        if stored not in passwords or not (killed or changed):
+            wrong.append(f"{stored!r} is stored" + " by a writer that was not killed" * (not killed))
         outcomes["killed " * killed + ("after" if changed else "before") + " the change"] += 1
         i += changed
     os.close(null)
+    if len(outcomes) < 2:
+        wrong.append("every writer ended alike: nothing was tried")
     print(f"  {count} writers killed within {usual * 1000:.2f} ms: {dict(outcomes)}; files left not "
           f"a complete document: {count - states['complete']} (empty {states['empty']}, torn "
           f"{states['torn']})")
@@ -379,7 +384,8 @@ def stage_faults(options):
                         f"inject={call}:error={error}:when={when}")
                     runs += 1
                     # No reply when it cannot be written, and none from a MAC address too short.
-                    silent = reply == "" and (call == "write" or status == 1)
+                    short = status == 1 and request.query in ("cmd_id=2", "cmd_id=5")
+                    silent = reply == "" and (call == "write" or short)
                     if status not in (0, 1) or not (silent or allowed.fits(reply)):
                         wrong.append(f"{request.label()}, {call} {when} {error}: {reply!r}, "
                                      f"status {status}")
@@ -387,6 +393,9 @@ def stage_faults(options):
                         state = document_state(path)
                         if state != "complete":
                             files[f"{state} by {call}"] += 1
+                            if call != "write":
+                                wrong.append(f"{request.label()}, {call} {when} {error}: leaves "
+                                             f"{path} {state}")
     print(f"  {runs} failing calls in {len(requests)} requests; crashes, hangs and wrong replies: "
           f"{len(wrong)}; files left not a complete document: {dict(files) or 'none'}")
     return wrong

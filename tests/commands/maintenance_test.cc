@@ -1,3 +1,5 @@
+#include <csignal>
+#include <cstdint>
 #include <filesystem>
 
 #include "tests/support/unit.h"

@@ -1,6 +1,7 @@
 // Command 3 and the readers under it, on the simulated bus that sim/optical_module.cc gives them.
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <numeric>
 

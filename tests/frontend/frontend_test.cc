@@ -1,6 +1,7 @@
 // Requests as the web server hands them to the shipped executable.
 
 #include <cstdlib>
+#include <ctime>
 
 #include "frontend/cgi_log.h"
 #include "frontend/query.h"

@@ -84,7 +84,18 @@ TEST(Heap, GrowsTheLastBlockInPlaceAndReturnsAreas) {
   EXPECT_FALSE(isMapped(static_cast<char*>(larger) + kMiB));
 }
 
+// An area that is used again begins anew, whatever gap its first block once had before it.
+TEST(Heap, ForgetsTheGapOfAnEmptyArea) {
+  void* const filling = std::malloc(200000);
+  std::free(std::aligned_alloc(kMiB / 8, 100));
+  void* const most = std::malloc(255000);
+  std::memset(most, 1, 255000);
+  std::free(most);
+  std::free(filling);
+}
+
 TEST(Heap, RefusesWhatCannotBe) {
+  EXPECT_EQ(std::aligned_alloc(48, 100), nullptr);
   volatile std::size_t most = SIZE_MAX;
   auto* const bytes = static_cast<char*>(std::malloc(10));
   std::strcpy(bytes, "unchanged");

@@ -11,5 +11,5 @@ ONU_OVERRIDE_SRCDIR_RSYNC_EXCLUSIONS = --exclude=/build
 ONU_LICENSE = PROPRIETARY
 ONU_REDISTRIBUTE = NO
 
-# The flags and the stripping are Buildroot's.
+# Optimisation, hardening and stripping are Buildroot's.
 $(eval $(cmake-package))
