@@ -95,7 +95,8 @@ TEST(Heap, ForgetsTheGapOfAnEmptyArea) {
 }
 
 TEST(Heap, RefusesWhatCannotBe) {
-  EXPECT_EQ(std::aligned_alloc(48, 100), nullptr);
+  volatile std::size_t noPowerOfTwo = 48;
+  EXPECT_EQ(std::aligned_alloc(noPowerOfTwo, 100), nullptr);
   volatile std::size_t most = SIZE_MAX;
   auto* const bytes = static_cast<char*>(std::malloc(10));
   std::strcpy(bytes, "unchanged");
