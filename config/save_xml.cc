@@ -45,7 +45,8 @@ void saveXml(const char* path, const xml::XmlRoot* document) {
     return;
   }
   // Cut to the new length and not to nothing: a process that is killed in between leaves the old
-  // text, and not an empty file. Not cut afterwards: that might cut what another has written since.
+  // text, less its end where the new one is shorter, and not an empty file. Not cut afterwards:
+  // that might cut what another has written since.
   if (::ftruncate(file.get(), static_cast<off_t>(size)) == 0) {
     writeFully(file.get(), {text.get(), size});
   }
