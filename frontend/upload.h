@@ -9,9 +9,10 @@ namespace onu {
 
 // Takes the first file out of a multipart/form-data body as the body arrives, in constant memory.
 //
-// The body starts with its boundary line; the file's part is the first one whose header holds
-// "filename=", and its data runs to the line end that is followed by the boundary. A boundary line
-// is compared by its first 100 bytes.
+// The body starts with its boundary line. The first "filename=" anywhere behind it begins the file,
+// also one in the value of another field; the data starts after the next empty line and runs to the
+// line end that is followed by the boundary. Without any, the file is empty. A boundary line is
+// compared by its first 100 bytes.
 class UploadReader {
  public:
   using NameArea = std::array<char, 256>;
