@@ -26,7 +26,7 @@
 #include <utility>
 #include <vector>
 
-#include "frontend/fd.h"
+#include "base/fd.h"
 
 namespace {
 

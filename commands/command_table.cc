@@ -18,31 +18,43 @@
 namespace onu {
 namespace {
 
+// The same whatever the action is; it only reads.
+constexpr Command always(std::int32_t number, Processor process) {
+  return {number, process, process, process, Changes::kNothing};
+}
+
+// Waits for other requests also where it does not store.
+constexpr Command changing(Command command) {
+  command.changes = Changes::kAlways;
+  return command;
+}
+
+// Number, what reads, what stores, and what answers any other action.
 constexpr std::array kRows = {
-    Command{1, "log-in check", checkLogin},
-    Command{2, "unit information", getUnitInformation},
-    Command{3, "optical readings", getOpticalReadings},
-    Command{4, "port status", getPortStatus},
-    Command{5, "PON authentication", authenticatePon},
-    Command{6, "IP address", configureIpAddress},
-    Command{8, "PON counters", getPonCounters},
-    Command{10, "configuration export and import", transferConfiguration},
-    Command{11, "reboot", rebootUnit},
-    Command{14, "loop detection", switchLoopDetection},
-    Command{16, "MTU", configureMtu},
-    Command{17, "multicast mode", switchMulticastMode},
-    Command{18, "factory defaults", restoreDefaults},
-    Command{19, "password change of the first account", changeAdminPassword},
-    Command{20, "password change of the second account", changeUserPassword},
-    Command{21, "firmware upgrade", upgradeFirmware},
-    Command{22, "VLAN", configureVlan},
-    Command{23, "port settings", configurePort},
-    Command{24, "port isolation", switchPortIsolation},
-    Command{25, "MAC ageing time", configureMacAging},
-    Command{26, "scheduling method", configureScheduling},
-    Command{27, "queue weights", configureQueueWeights},
-    Command{28, "queue sizes", configureQueueSizes},
-    Command{30, "storm limit", configureStormLimit},
+    always(1, checkLogin),
+    always(2, sendUnitInformation),
+    always(3, sendOpticalReadings),
+    always(4, sendPortStatus),
+    Command{5, sendAuthentication, storeAuthentication},
+    Command{6, sendIpAddress, storeIpAddress},
+    always(8, sendPonCounters),
+    changing({10, exportConfiguration, importConfiguration}),
+    changing(always(11, rebootUnit)),
+    Command{14, sendLoopDetection, storeLoopDetection},
+    Command{16, sendMtu, storeMtu},
+    Command{17, sendMulticastMode, storeMulticastMode},
+    changing(always(18, restoreDefaults)),
+    changing(always(19, changeAdminPassword)),
+    changing(always(20, changeUserPassword)),
+    changing(always(21, upgradeFirmware)),
+    Command{22, sendVlan, storeVlan, refuseAction},
+    Command{23, sendPorts, storePort},
+    Command{24, sendPortIsolation, storePortIsolation},
+    Command{25, sendMacAging, storeMacAging},
+    Command{26, sendScheduling, storeScheduling},
+    Command{27, sendQueueWeights, storeQueueWeight},
+    Command{28, sendQueueSizes, storeQueueSize},
+    Command{30, sendStormLimit, storeStormLimit},
 };
 
 constexpr bool ascending() {

@@ -4,7 +4,7 @@
 
 namespace onu {
 
-// Every command of the unit: the one list of numbers, names and processors.
+// Every command of the unit: the one list of numbers, and of what reads and what changes the unit.
 CommandTable commandTable();
 
 }  // namespace onu

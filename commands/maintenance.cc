@@ -4,9 +4,10 @@
 #include <cstdint>
 #include <initializer_list>
 
+#include "base/fd.h"
+#include "base/message.h"
+#include "base/number.h"
 #include "device/shell.h"
-#include "frontend/fd.h"
-#include "frontend/message.h"
 
 namespace onu {
 namespace {
@@ -86,17 +87,17 @@ void upgradeFiles() {
 
 }  // namespace
 
-void transferConfiguration(WebRequest& request) {
-  if (request.action == 0) {
-    replyAfterWork(request.reply, {"/var/tevo/export_xml.sh"});
-  } else if (request.action == 1) {
-    replyAfterWork(
-        request.reply,
-        {"mv /tmp/recFile /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings,
-         "cp -rf /tmp/xml_config/*.*  /etc/xml_params/",
-         // The main settings have their place with the pages; no second copy is to stay behind.
-         "rm -rf /etc/xml_params/tevo*.*", "rm -rf /tmp/xml_config", "rm -f /tmp/xml_in.tar"});
-  }
+void exportConfiguration(WebRequest& request) {
+  replyAfterWork(request.reply, {"/var/tevo/export_xml.sh"});
+}
+
+void importConfiguration(WebRequest& request) {
+  replyAfterWork(
+      request.reply,
+      {"mv /tmp/recFile /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings,
+       "cp -rf /tmp/xml_config/*.*  /etc/xml_params/",
+       // The main settings have their place with the pages; no second copy is to stay behind.
+       "rm -rf /etc/xml_params/tevo*.*", "rm -rf /tmp/xml_config", "rm -f /tmp/xml_in.tar"});
 }
 
 void rebootUnit(WebRequest& request) {

@@ -5,17 +5,14 @@
 
 namespace onu {
 
-void getOpticalReadings(WebRequest& request) {
+void sendOpticalReadings(WebRequest& request) {
   OpticalDiag diag;
   readOpticalDiagnostics(diag);
-
-  JsonFields fields;
-  fields["temp"] = temperatureText(diag.temperature);
-  fields["voltage"] = voltageText(diag.supplyVoltage);
-  fields["bias"] = biasText(diag.txBiasCurrent);
-  fields["rx_opt_power"] = powerText(diag.rxReceivedPower);
-  fields["tx_opt_power"] = powerText(diag.txOpticalPower);
-  request.reply.sendJsonResponse(toJsonObject(fields));
+  request.reply.sendObject({{"bias", biasText(diag.txBiasCurrent)},
+                            {"rx_opt_power", powerText(diag.rxReceivedPower)},
+                            {"temp", temperatureText(diag.temperature)},
+                            {"tx_opt_power", powerText(diag.txOpticalPower)},
+                            {"voltage", voltageText(diag.supplyVoltage)}});
 }
 
 }  // namespace onu

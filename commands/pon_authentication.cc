@@ -1,6 +1,5 @@
 #include "commands/pon_authentication.h"
 
-#include "commands/get_or_set.h"
 #include "commands/mac_text.h"
 #include "config/config_data.h"
 #include "config/omci_data.h"
@@ -14,39 +13,13 @@ constexpr const char* kCliMode = "eoam";
 
 // The serial number as the unit registers with it: as stored, or its first four letters, which name
 // the vendor, and part of the MAC address.
-std::string serialNumber(const std::string& mac) {
+std::string serialNumber(const PonSerialData& pon, const std::string& mac) {
   constexpr std::size_t kVendorSize = 4;
-  const PonSerialData& pon = PonSerialData::getInstance();
   std::string number;
   std::string source;
   pon.getPonSerialNum(number);
   pon.getPonSerialSrc(source);
   return source == "1" ? number.substr(0, kVendorSize) + lastFourOctets(mac) : number;
-}
-
-void sendAuthentication(WebRequest& request) {
-  const ConfigData& config = ConfigData::getInstance();
-  FecInfo fec;
-  config.getFec(fec);
-  LoidInfo loid;
-  config.getLoid(loid);
-  IpInfo ip;
-  config.getIpInfo(ip);
-  OmciLoid omci;
-  OmciData::getInstance().getOmciLoid(omci);
-
-  JsonFields fields;
-  fields["ctc_switch"] = "1";
-  fields["cur_mac"] = ip.onu_mac;
-  fields["fec_mode"] = fec.fec_mode;
-  fields["gpon_loid"] = omci.loid;
-  fields["gpon_password"] = omci.password;
-  fields["loid"] = loid.loid;
-  fields["password"] = loid.password;
-  PonSerialData::getInstance().getPonPassword(fields["ponPassword"]);
-  fields["ponSerialNum"] = serialNumber(ip.onu_mac);
-  fields["sn"] = withoutSeparators(ip.onu_mac);
-  request.reply.sendJsonResponse(toJsonObject(fields));
 }
 
 // -1 at the first failure that counts.
@@ -79,14 +52,35 @@ int store(const ParsedQuery& query) {
   return 0;
 }
 
-void storeAuthentication(WebRequest& request) {
-  request.reply.sendJsonResponse(store(request.query) == 0 ? "0" : "1");
-}
-
 }  // namespace
 
-void authenticatePon(WebRequest& request) {
-  getOrSet(request, sendAuthentication, storeAuthentication);
+void sendAuthentication(WebRequest& request) {
+  const ConfigData& config = ConfigData::getInstance();
+  FecInfo fec;
+  config.getFec(fec);
+  LoidInfo loid;
+  config.getLoid(loid);
+  IpInfo ip;
+  config.getIpInfo(ip);
+  OmciLoid omci;
+  OmciData::getInstance().getOmciLoid(omci);
+
+  const PonSerialData& pon = PonSerialData::getInstance();
+  std::string ponPassword;
+  pon.getPonPassword(ponPassword);
+
+  request.reply.sendObject({{"ctc_switch", "1"},
+                            {"cur_mac", ip.onu_mac},
+                            {"fec_mode", fec.fec_mode},
+                            {"gpon_loid", omci.loid},
+                            {"gpon_password", omci.password},
+                            {"loid", loid.loid},
+                            {"password", loid.password},
+                            {"ponPassword", ponPassword},
+                            {"ponSerialNum", serialNumber(pon, ip.onu_mac)},
+                            {"sn", withoutSeparators(ip.onu_mac)}});
 }
+
+void storeAuthentication(WebRequest& request) { request.reply.sendStatus(store(request.query)); }
 
 }  // namespace onu

@@ -1,11 +1,10 @@
+// Command 8: the EPON counters.
 #pragma once
 
 #include "frontend/web_request.h"
 
 namespace onu {
 
-// Command 8: the driver's twenty EPON counters as it prints them, each an empty text when it cannot
-// be read. Takes no parameters and has no failure reply.
-void getPonCounters(WebRequest& request);
+void sendPonCounters(WebRequest& request);
 
 }  // namespace onu

@@ -2,7 +2,6 @@
 
 #include <vector>
 
-#include "commands/get_or_set.h"
 #include "config/config_data.h"
 #include "config/tpm_data.h"
 #include "device/cli_runner.h"
@@ -13,16 +12,23 @@ namespace {
 constexpr const char* kAgingPort = "0";
 
 std::string portObject(const PhyPortInfo& port) {
-  JsonFields fields;
-  fields["auto"] = port.auto_neg;
-  fields["flow_control"] = port.flow_control;
-  fields["link"] = "net_up";  // whatever the link does
-  fields["mode_max"] = port.mode_max;
-  fields["phy"] = port.phy_admin;
-  fields["port_id"] = port.port;
-  fields["work_mode"] = port.mode;
-  return toJsonObject(fields);
+  return toJsonObject({{"auto", port.auto_neg},
+                       {"flow_control", port.flow_control},
+                       {"link", "net_up"},  // whatever the link does
+                       {"mode_max", port.mode_max},
+                       {"phy", port.phy_admin},
+                       {"port_id", port.port},
+                       {"work_mode", port.mode}});
 }
+
+void applyPort(const PhyPortInfo& port) {
+  // Negotiation is always on, on the WAN port whatever port was stored, and "flase" is the word
+  // that goes to clish.
+  CliRunner::run("tpm", "config\nport autoneg 0 WAN true " + port.mode + "\nport fc 0 WAN " +
+                            (port.flow_control == "0" ? "flase" : "true") + "\n");
+}
+
+}  // namespace
 
 void sendPorts(WebRequest& request) {
   std::vector<PhyPortInfo> ports;
@@ -33,13 +39,6 @@ void sendPorts(WebRequest& request) {
   }
   body.back() = ']';  // in place of the last comma, or of the blank when there is no port
   request.reply.sendJsonResponse(body);
-}
-
-void applyPort(const PhyPortInfo& port) {
-  // Negotiation is always on, on the WAN port whatever port was stored, and "flase" is the word
-  // that goes to clish.
-  CliRunner::run("tpm", "config\nport autoneg 0 WAN true " + port.mode + "\nport fc 0 WAN " +
-                            (port.flow_control == "0" ? "flase" : "true") + "\n");
 }
 
 void storePort(WebRequest& request) {
@@ -61,9 +60,7 @@ void sendMacAging(WebRequest& request) {
   if (ConfigData::getInstance().getMacAgingTime(kAgingPort, time) != 0) {
     return request.reply.sendJsonResponse("1");
   }
-  JsonFields fields;
-  fields["aging_time"] = time;  // the parameter that stores it is age_time
-  request.reply.sendJsonResponse(toJsonObject(fields));
+  request.reply.sendObject({{"aging_time", time}});  // the parameter that stores it is age_time
 }
 
 void storeMacAging(WebRequest& request) {
@@ -74,11 +71,5 @@ void storeMacAging(WebRequest& request) {
   CliRunner::run("eoam", "port mac_aging_time 0 UNI_0 " + time);
   request.reply.sendJsonResponse(" 0");
 }
-
-}  // namespace
-
-void configurePort(WebRequest& request) { getOrSet(request, sendPorts, storePort); }
-
-void configureMacAging(WebRequest& request) { getOrSet(request, sendMacAging, storeMacAging); }
 
 }  // namespace onu

@@ -23,7 +23,7 @@ PhyPortInfo firstPhyPort() {
 
 }  // namespace
 
-void getPortStatus(WebRequest& request) {
+void sendPortStatus(WebRequest& request) {
   const VlanPortInfo vlan = firstVlanPort();
   const PhyPortInfo phy = firstPhyPort();
   const ProfileData& profile = ProfileData::getInstance();
@@ -35,21 +35,21 @@ void getPortStatus(WebRequest& request) {
   profile.getMulticastGroupNum(multicastGroups);
 
   // The pages rely on the constants whatever state the port is in.
-  JsonFields fields;
-  fields["VlanInfo_mode"] = vlan.mode;
-  fields["VlanInfo_serial"] = vlan.vid_serial;
-  fields["admin_status"] = "1";
-  fields["auto_neg"] = phy.auto_neg;
-  fields["default_vid"] = vlan.default_vid;
-  fields["fast_leave"] = "0";
-  fields["link"] = "1";
-  fields["link_rate"] = phy.mode;
-  fields["loop_detect"] = loopDetect == "1" ? "0" : "1";  // the pages count the other way round
-  fields["max_igmp_group"] = multicastGroups;
-  fields["mc_mode"] = multicastMode;
-  fields["mc_tag_oper"] = "0";
-  fields["pause"] = phy.flow_control;
-  request.reply.sendJsonResponse("[" + toJsonObject(fields) + "]");
+  request.reply.sendArray({
+      {"VlanInfo_mode", vlan.mode},
+      {"VlanInfo_serial", vlan.vid_serial},
+      {"admin_status", "1"},
+      {"auto_neg", phy.auto_neg},
+      {"default_vid", vlan.default_vid},
+      {"fast_leave", "0"},
+      {"link", "1"},
+      {"link_rate", phy.mode},
+      {"loop_detect", loopDetect == "1" ? "0" : "1"},  // the pages count the other way round
+      {"max_igmp_group", multicastGroups},
+      {"mc_mode", multicastMode},
+      {"mc_tag_oper", "0"},
+      {"pause", phy.flow_control},
+  });
 }
 
 }  // namespace onu

@@ -3,26 +3,12 @@
 #include <array>
 #include <utility>
 
-#include "commands/get_or_set.h"
 #include "config/config_data.h"
 #include "config/tpm_data.h"
 #include "device/shell.h"
 
 namespace onu {
 namespace {
-
-void sendScheduling(WebRequest& request) {
-  JsonFields fields;
-  if (TpmData::getInstance().getSchedMethod(fields["algo_mode"]) != 0) {
-    return request.reply.sendJsonResponse("error");
-  }
-  request.reply.sendJsonResponse(toJsonObject(fields));
-}
-
-void storeScheduling(WebRequest& request) {
-  TpmData::getInstance().setSchedMethod(getParam(request.query, "algo_mode"));
-  request.reply.sendJsonResponse("0");
-}
 
 using QueueKeys = std::array<const char*, std::tuple_size_v<QueueTexts>>;
 
@@ -56,19 +42,17 @@ void sendQueues(WebRequest& request, const QueueValue& value) {
   for (std::size_t queue = 0; queue < texts.size(); ++queue) {
     fields[value.keys[queue]] = std::move(texts[queue]);
   }
-  request.reply.sendJsonResponse(toJsonObject(fields));
+  request.reply.sendObject(fields);
 }
 
 void storeQueue(WebRequest& request, const QueueValue& value) {
-  const int result = (TpmData::getInstance().*value.set)(
-      getParam(request.query, value.queueParameter), getParam(request.query, value.valueParameter));
-  request.reply.sendJsonResponse(result == 0 ? "0" : "1");
+  request.reply.sendStatus(
+      (TpmData::getInstance().*value.set)(getParam(request.query, value.queueParameter),
+                                          getParam(request.query, value.valueParameter)));
 }
 
-void configureQueues(WebRequest& request, const QueueValue& value) {
-  getOrSet(
-      request, [&value](WebRequest& get) { sendQueues(get, value); },
-      [&value](WebRequest& set) { storeQueue(set, value); });
+const QueueValue& chosenSizes(const WebRequest& request) {
+  return getParam(request.query, "voq_dir") == "0" ? kReceiveSizes : kTransmitSizes;
 }
 
 // What a rate holds for: the words in front of it and the traffic manager's file that takes them.
@@ -105,41 +89,41 @@ void applyStormLimit(const std::string& mode, const std::string& rate) {
   }
 }
 
+}  // namespace
+
+void sendScheduling(WebRequest& request) {
+  std::string method;
+  if (TpmData::getInstance().getSchedMethod(method) != 0) {
+    return request.reply.sendJsonResponse("error");
+  }
+  request.reply.sendObject({{"algo_mode", method}});
+}
+
+void storeScheduling(WebRequest& request) {
+  TpmData::getInstance().setSchedMethod(getParam(request.query, "algo_mode"));
+  request.reply.sendJsonResponse("0");  // whatever became of it
+}
+
+void sendQueueWeights(WebRequest& request) { sendQueues(request, kWeights); }
+void storeQueueWeight(WebRequest& request) { storeQueue(request, kWeights); }
+
+void sendQueueSizes(WebRequest& request) { sendQueues(request, chosenSizes(request)); }
+void storeQueueSize(WebRequest& request) { storeQueue(request, chosenSizes(request)); }
+
 void sendStormLimit(WebRequest& request) {
   std::string mode;
   std::string rate;
   if (ConfigData::getInstance().getStorm(mode, rate) == -1) {
     return request.reply.sendJsonResponse("[]");
   }
-  JsonFields fields;
-  fields["bc_mode"] = mode;
-  fields["rate"] = rate;
-  request.reply.sendJsonResponse("[" + toJsonObject(fields) + "]");
+  request.reply.sendArray({{"bc_mode", mode}, {"rate", rate}});
 }
 
 void storeStormLimit(WebRequest& request) {
   const std::string mode = getParam(request.query, "bs");
   const std::string rate = getParam(request.query, "bs_thresh");
-  applyStormLimit(mode, rate);
-  const int result = ConfigData::getInstance().setStorm(mode, rate);
-  request.reply.sendJsonResponse(result == 0 ? "0" : "1");
-}
-
-}  // namespace
-
-void configureScheduling(WebRequest& request) {
-  getOrSet(request, sendScheduling, storeScheduling);
-}
-
-void configureQueueWeights(WebRequest& request) { configureQueues(request, kWeights); }
-
-void configureQueueSizes(WebRequest& request) {
-  const bool receive = getParam(request.query, "voq_dir") == "0";
-  configureQueues(request, receive ? kReceiveSizes : kTransmitSizes);
-}
-
-void configureStormLimit(WebRequest& request) {
-  getOrSet(request, sendStormLimit, storeStormLimit);
+  applyStormLimit(mode, rate);  // comes first, and holds whether or not it can be stored
+  request.reply.sendStatus(ConfigData::getInstance().setStorm(mode, rate));
 }
 
 }  // namespace onu

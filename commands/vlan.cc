@@ -2,25 +2,12 @@
 
 #include <vector>
 
+#include "base/number.h"
 #include "config/config_data.h"
 #include "device/cli_runner.h"
 
 namespace onu {
 namespace {
-
-void sendVlan(WebRequest& request) {
-  std::vector<VlanPortInfo> ports;
-  if (ConfigData::getInstance().getVlanPorts(ports) == -1 || ports.empty()) {
-    return request.reply.sendJsonResponse("[]");
-  }
-  const VlanPortInfo& port = ports.front();
-  JsonFields fields;
-  fields["def_vid"] = port.default_vid;
-  fields["mode"] = port.mode;
-  fields["portId"] = port.port;
-  fields["vidSerial"] = port.vid_serial;  // the parameter that sets it is vid_serial
-  request.reply.sendJsonResponse("[" + toJsonObject(fields) + "]");
-}
 
 // The clish command of the mode, empty for a mode that there is not. The runs of blanks differ, and
 // the command shell gets them as it always did.
@@ -41,6 +28,21 @@ std::string vlanCommand(const VlanPortInfo& port) {
   }
 }
 
+}  // namespace
+
+void sendVlan(WebRequest& request) {
+  std::vector<VlanPortInfo> ports;
+  if (ConfigData::getInstance().getVlanPorts(ports) == -1 || ports.empty()) {
+    return request.reply.sendJsonResponse("[]");
+  }
+  const VlanPortInfo& port = ports.front();
+  request.reply.sendArray({{"def_vid", port.default_vid},
+                           {"mode", port.mode},
+                           {"portId", port.port},
+                           // the parameter that sets it is vid_serial
+                           {"vidSerial", port.vid_serial}});
+}
+
 void storeVlan(WebRequest& request) {
   VlanPortInfo port;
   port.port = getParam(request.query, "portId");
@@ -53,19 +55,9 @@ void storeVlan(WebRequest& request) {
   const std::string command = vlanCommand(port);
   CliRunner::run("eoam", command);
   const bool stored = !command.empty() && ConfigData::getInstance().setVlanPort(port) == 0;
-  request.reply.sendJsonResponse(stored ? "0" : "1");
+  request.reply.sendStatus(stored ? 0 : -1);
 }
 
-}  // namespace
-
-void configureVlan(WebRequest& request) {
-  if (request.action == 0) {
-    sendVlan(request);
-  } else if (request.action == 1) {
-    storeVlan(request);
-  } else {
-    request.reply.sendJsonResponse("1");
-  }
-}
+void refuseAction(WebRequest& request) { request.reply.sendStatus(-1); }
 
 }  // namespace onu

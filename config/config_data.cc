@@ -2,10 +2,36 @@
 
 #include <utility>
 
+#include "base/message.h"
 #include "config/settings_file.h"
-#include "frontend/message.h"
 
 namespace onu {
+namespace {
+
+constexpr Field<CommInfo> kCommTexts[] = {
+    {"vendor", &CommInfo::vendor},
+    {"model", &CommInfo::model},
+    {"softwareVersion", &CommInfo::softwareVersion},
+    {"onu_id", &CommInfo::onu_id},
+};
+constexpr Field<IpInfo> kIpTexts[] = {
+    {"ipAddress", &IpInfo::ipAddress},
+    {"netMask", &IpInfo::netMask},
+    {"onu_mac", &IpInfo::onu_mac},
+};
+constexpr Field<VlanPortInfo> kVlanAttributes[] = {
+    {"mode", &VlanPortInfo::mode},
+    {"default_vid", &VlanPortInfo::default_vid},
+    {"vid_sum", &VlanPortInfo::vid_sum},
+    {"vid_serial", &VlanPortInfo::vid_serial},
+};
+constexpr Field<PhyPortInfo> kPhyAttributes[] = {
+    {"phy_admin", &PhyPortInfo::phy_admin}, {"flow_control", &PhyPortInfo::flow_control},
+    {"auto_neg", &PhyPortInfo::auto_neg},   {"mode", &PhyPortInfo::mode},
+    {"mode_max", &PhyPortInfo::mode_max},
+};
+
+}  // namespace
 
 ConfigData& ConfigData::getInstance() {
   static ConfigData instance;
@@ -18,10 +44,7 @@ int ConfigData::getCommInfo(CommInfo& info) const {
   if (group == nullptr) {
     return -1;
   }
-  copyText(xml::child(group, "vendor"), info.vendor);
-  copyText(xml::child(group, "model"), info.model);
-  copyText(xml::child(group, "softwareVersion"), info.softwareVersion);
-  copyText(xml::child(group, "onu_id"), info.onu_id);
+  copyTexts(group, kCommTexts, info);
   return 0;
 }
 
@@ -31,9 +54,7 @@ int ConfigData::getIpInfo(IpInfo& info) const {
   if (group == nullptr) {
     return -1;
   }
-  copyText(xml::child(group, "ipAddress"), info.ipAddress);
-  copyText(xml::child(group, "netMask"), info.netMask);
-  copyText(xml::child(group, "onu_mac"), info.onu_mac);
+  copyTexts(group, kIpTexts, info);
   return 0;
 }
 
@@ -42,7 +63,7 @@ int ConfigData::setIpInfo(const IpInfo& info) const {
   if (info.ipAddress.size() < kShortest || info.netMask.size() < kShortest) {
     return -1;
   }
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   xml::XmlNode* const group = file.find({"ipInfo"});
   if (group == nullptr) {
     return -1;
@@ -57,7 +78,7 @@ int ConfigData::setIpInfo(const IpInfo& info) const {
 }
 
 int ConfigData::setMac(const std::string& mac) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   xml::XmlNode* const group = file.find({"ipInfo"});
   if (group == nullptr) {
     return -1;
@@ -96,7 +117,7 @@ int ConfigData::setUserPassword(const std::string& password) const {
 }
 
 int ConfigData::setAccountPassword(const char* account, const std::string& password) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   return file.finish(editText(file.find({"account", account}), password, Write::kIfChanged));
 }
 
@@ -106,13 +127,11 @@ int ConfigData::getVlanPorts(std::vector<VlanPortInfo>& ports) const {
   std::vector<VlanPortInfo> found;
   VlanPortInfo info;  // one for all, so that a missing value is the one of the port before
   for (const xml::XmlNode* port = file.find({"vlan", "port"}); port != nullptr; port = port->next) {
-    copyText(port, info.port);
-    copyAttribute(port, "mode", info.mode);
-    if (!copyAttribute(port, "default_vid", info.default_vid)) {
+    if (xml::attr(port, "default_vid") == nullptr) {
       return -1;
     }
-    copyAttribute(port, "vid_serial", info.vid_serial);
-    copyAttribute(port, "vid_sum", info.vid_sum);
+    copyText(port, info.port);
+    copyAttributes(port, kVlanAttributes, info);
     found.push_back(info);
   }
   ports = std::move(found);
@@ -120,7 +139,7 @@ int ConfigData::getVlanPorts(std::vector<VlanPortInfo>& ports) const {
 }
 
 int ConfigData::setVlanPort(const VlanPortInfo& info) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   xml::XmlNode* const first = file.find({"vlan", "port"});
   if (first == nullptr) {
     return -1;
@@ -129,12 +148,12 @@ int ConfigData::setVlanPort(const VlanPortInfo& info) const {
   if (port == nullptr) {
     return 0;
   }
-  editAttribute(port, "mode", info.mode, Write::kAlways);
-  if (!info.default_vid.empty()) {
-    editAttribute(port, "default_vid", info.default_vid, Write::kAlways);
+  for (const auto& [name, member] : kVlanAttributes) {
+    if (member != &VlanPortInfo::default_vid || !info.default_vid.empty()) {
+      editAttribute(port, name.data(), info.*member, Write::kAlways);
+    }
   }
-  editAttribute(port, "vid_sum", info.vid_sum, Write::kAlways);
-  return file.finish(editAttribute(port, "vid_serial", info.vid_serial, Write::kAlways));
+  return file.finish(Edit::kDone);
 }
 
 int ConfigData::getFec(FecInfo& info) const {
@@ -150,7 +169,7 @@ int ConfigData::getFec(FecInfo& info) const {
 }
 
 int ConfigData::setFecMode(const std::string& mode) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   return file.finish(editText(file.find({"onu", "fec_mode"}), mode, Write::kIfChanged));
 }
 
@@ -159,7 +178,7 @@ int ConfigData::getSn(std::string& sn) const {
 }
 
 int ConfigData::setSn(const std::string& sn) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   return file.finish(editText(file.find({"onu", "sn"}), sn, Write::kIfChanged));
 }
 
@@ -171,7 +190,7 @@ int ConfigData::getLoid(LoidInfo& info) const {
 }
 
 int ConfigData::setLoid(const LoidInfo& info) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   xml::XmlNode* const loid = file.find({"onu", "loid"});
   editText(loid, info.loid, Write::kAlways);
   return file.finish(editAttribute(loid, "password", info.password, Write::kAlways));
@@ -183,23 +202,22 @@ int ConfigData::getPhyPorts(std::vector<PhyPortInfo>& ports) const {
   for (const xml::XmlNode* port = first; port != nullptr; port = port->next) {
     PhyPortInfo info;
     copyText(port, info.port);
-    copyAttribute(port, "phy_admin", info.phy_admin);
-    copyAttribute(port, "flow_control", info.flow_control);
-    copyAttribute(port, "auto_neg", info.auto_neg);
-    copyAttribute(port, "mode", info.mode);
-    copyAttribute(port, "mode_max", info.mode_max);
+    copyAttributes(port, kPhyAttributes, info);
     ports.push_back(std::move(info));
   }
   return first == nullptr ? -1 : 0;
 }
 
 int ConfigData::setPhyPort(const PhyPortInfo& info) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   xml::XmlNode* const port = findNamed(file.find({"switch", "port"}), info.port);
-  editAttribute(port, "phy_admin", info.phy_admin, Write::kAlways);
-  editAttribute(port, "flow_control", info.flow_control, Write::kAlways);
-  editAttribute(port, "auto_neg", info.auto_neg, Write::kAlways);
-  return file.finish(editAttribute(port, "mode", info.mode, Write::kAlways));
+  Edit edit = Edit::kFailed;
+  for (const auto& [name, member] : kPhyAttributes) {
+    if (member != &PhyPortInfo::mode_max) {
+      edit = editAttribute(port, name.data(), info.*member, Write::kAlways);
+    }
+  }
+  return file.finish(edit);
 }
 
 int ConfigData::getMacAgingTime(const std::string& port, std::string& time) const {
@@ -212,7 +230,7 @@ int ConfigData::getMacAgingTime(const std::string& port, std::string& time) cons
 }
 
 int ConfigData::setMacAgingTime(const std::string& port, const std::string& time) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   return file.finish(editAttribute(findNamed(file.find({"mac_aging_time", "eth_port"}), port),
                                    "time", time, Write::kIfChanged));
 }
@@ -226,7 +244,7 @@ int ConfigData::getStorm(std::string& mode, std::string& threshold) const {
 }
 
 int ConfigData::setStorm(const std::string& mode, const std::string& threshold) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   xml::XmlNode* const port = file.find({"storm", "port"});
   const Edit edit = editAttribute(port, "mode", mode, Write::kAlways);
   if (!threshold.empty()) {

@@ -18,7 +18,7 @@ int OmciData::getOmciLoid(OmciLoid& info) const {
 }
 
 int OmciData::setOmciLoid(const OmciLoid& info) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   xml::XmlNode* const auth = file.find({"OMCI_MIB", "ctcLOIDAuth"});
   editAttribute(auth, "loid", info.loid, Write::kAlways);
   return file.finish(editAttribute(auth, "password", info.password, Write::kAlways));
@@ -32,7 +32,7 @@ int OmciData::getPortIsolation(std::string& enabled) const {
 }
 
 int OmciData::setPortIsolation(const std::string& enabled) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   xml::XmlNode* const isolation = file.find({"OMCI_MIB", "ethPortIsolated"});
   if (xml::attr(isolation, "enabled") == nullptr) {
     return -1;

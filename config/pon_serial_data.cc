@@ -36,7 +36,7 @@ int PonSerialData::get(const char* name, std::string& value) const {
 }
 
 int PonSerialData::set(const char* name, const std::string& value) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   return file.finish(editText(file.find({"PON", name}), value, Write::kIfChanged));
 }
 

@@ -2,50 +2,49 @@
 
 #include <string_view>
 
+#include "base/number.h"
 #include "config/profile_values.h"
 #include "config/settings_file.h"
-#include "frontend/query.h"
 
 namespace onu {
 namespace {
 
-// A name in the profile, the field it fills and how its value is taken.
-template <typename Record>
-struct Entry {
-  std::string_view name;
-  std::string Record::*field;
-  std::string (*take)(std::string_view value);
-};
-
 std::string asIs(std::string_view value) { return std::string(value); }
 
+// A label of the profile, the field it fills and how its value is taken.
+template <typename Record>
+struct Entry {
+  Field<Record> field;
+  std::string (*take)(std::string_view value) = asIs;
+};
+
 constexpr Entry<VendorInfo> kVendorEntries[] = {
-    {"ONU vendor name", &VendorInfo::vendor, asIs},
-    {"Model for eOAM", &VendorInfo::model, asIs},
-    {"HW version", &VendorInfo::hwVersion, asIs},
-    {"SW version", &VendorInfo::swVersion, asIs},
+    {{"ONU vendor name", &VendorInfo::vendor}},
+    {{"Model for eOAM", &VendorInfo::model}},
+    {{"HW version", &VendorInfo::hwVersion}},
+    {{"SW version", &VendorInfo::swVersion}},
 };
 
 constexpr Entry<ChipInfo> kChipEntries[] = {
-    {"Chip vendor ID", &ChipInfo::chipId, withoutPrefix},
-    {"Chip revision", &ChipInfo::revision, withoutPrefix},
-    {"Chip version", &ChipInfo::icDate, chipDate},
-    {"Chip model", &ChipInfo::model, withoutPrefix},
+    {{"Chip vendor ID", &ChipInfo::chipId}, withoutPrefix},
+    {{"Chip revision", &ChipInfo::revision}, withoutPrefix},
+    {{"Chip version", &ChipInfo::icDate}, chipDate},
+    {{"Chip model", &ChipInfo::model}, withoutPrefix},
 };
 
 constexpr Entry<CapabilityInfo> kCapabilityEntries[] = {
-    {"ONU type", &CapabilityInfo::onuType, asIs},
-    {"GE Ethernet port number", &CapabilityInfo::geNum, asIs},
-    {"GE Ethernet port bitmap", &CapabilityInfo::geBitmap, asIs},
-    {"FE Ethernet port number", &CapabilityInfo::feNum, asIs},
-    {"FE Ethernet port bitmap", &CapabilityInfo::feBitmapLsb, asIs},
-    {"FE Ethernet port bitmap", &CapabilityInfo::feBitmapMsb, asIs},
-    {"POTS port number", &CapabilityInfo::potsNum, asIs},
-    {"Maximum upstream queue per port", &CapabilityInfo::usQueNum, asIs},
-    {"Maximum upstream queue per port", &CapabilityInfo::maxUsQueue, asIs},
-    {"Maximum downstream queue per port", &CapabilityInfo::dsQueNum, asIs},
-    {"Maximum downstream queue per port", &CapabilityInfo::maxDsQueue, asIs},
-    {"Battery backup support capability", &CapabilityInfo::batteryBackup, asIs},
+    {{"ONU type", &CapabilityInfo::onuType}},
+    {{"GE Ethernet port number", &CapabilityInfo::geNum}},
+    {{"GE Ethernet port bitmap", &CapabilityInfo::geBitmap}},
+    {{"FE Ethernet port number", &CapabilityInfo::feNum}},
+    {{"FE Ethernet port bitmap", &CapabilityInfo::feBitmapLsb}},
+    {{"FE Ethernet port bitmap", &CapabilityInfo::feBitmapMsb}},
+    {{"POTS port number", &CapabilityInfo::potsNum}},
+    {{"Maximum upstream queue per port", &CapabilityInfo::usQueNum}},
+    {{"Maximum upstream queue per port", &CapabilityInfo::maxUsQueue}},
+    {{"Maximum downstream queue per port", &CapabilityInfo::dsQueNum}},
+    {{"Maximum downstream queue per port", &CapabilityInfo::maxDsQueue}},
+    {{"Battery backup support capability", &CapabilityInfo::batteryBackup}},
 };
 
 struct Firmware {
@@ -53,7 +52,7 @@ struct Firmware {
 };
 
 constexpr Entry<Firmware> kFirmwareEntries[] = {
-    {"Firmware version", &Firmware::version, dottedVersion},
+    {{"Firmware version", &Firmware::version}, dottedVersion},
 };
 
 enum class Chain { kMissing, kEmpty, kRead };
@@ -73,9 +72,10 @@ Chain readChain(const SettingsFile& file, const char* group, const Entry<Record>
     if (name == nullptr || value == nullptr) {
       break;
     }
-    for (const Entry<Record>& entry : entries) {
-      if (entry.name == name) {
-        record.*entry.field = entry.take(value);
+    const std::string_view label = name;
+    for (const auto& [field, take] : entries) {
+      if (field.name == label) {
+        record.*field.member = take(value);
       }
     }
   }
@@ -151,7 +151,7 @@ int ProfileData::getMulticastSwitch(std::string& mode) const {
 }
 
 int ProfileData::setMulticastSwitch(const std::string& mode) const {
-  const SettingsFile file(eoamPath_);
+  const EditedSettings file(eoamPath_);
   return file.finish(
       editText(file.find({"ONU_MULTICAST", "oam_multicast_switch"}), mode, Write::kIfChanged));
 }
@@ -169,7 +169,7 @@ int ProfileData::getLoopDetect(const std::string& port, std::string& mode) const
 }
 
 int ProfileData::setLoopDetect(const std::string& port, const std::string& mode) const {
-  const SettingsFile file(eoamPath_);
+  const EditedSettings file(eoamPath_);
   return file.finish(
       editAttribute(findLoopPort(file, port), "loopdetect", mode, Write::kIfChanged));
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "frontend/query.h"
+#include "base/number.h"
 
 namespace onu {
 namespace {

@@ -1,15 +1,17 @@
 #pragma once
 
+#include "config/replace_file.h"
 #include "xml/xml.h"
 
 namespace onu {
 
-// Replaces the whole content of the file at `path` by the text of `document`, which stays the
-// caller's: the file gets its length, then all of it in one write. Reports nothing. A file that
-// cannot be opened, or for which there is no further room, keeps what it holds; one whose writing
-// fails half-way, as it may on a full flash file system, has the new text up to there and the old
-// one behind it. Of two processes that write at the same time the later text stands in front; the
-// rest of a longer one may follow it until the next write, which the tree leaves out.
+// Replaces the whole content of the file at `path`, which is created when there is none, by the
+// text of `document`, which stays the caller's. Reports nothing to the caller: a file that cannot
+// be opened for writing, or for whose new text there is no room, keeps what it holds. Of several
+// processes that write at the same time each leaves a whole text, and the last one's stays.
 void saveXml(const char* path, const xml::XmlRoot* document);
+
+// The same for a file that has been opened for it.
+void saveXml(const ReplaceableFile& file, const xml::XmlRoot* document);
 
 }  // namespace onu

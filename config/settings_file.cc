@@ -1,8 +1,35 @@
 #include "config/settings_file.h"
 
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "base/message.h"
 #include "config/save_xml.h"
 
 namespace onu {
+namespace {
+
+xml::XmlRoot* parse(const ReplaceableFile& file) {
+  auto* const data = static_cast<char*>(std::malloc(file.size() + 1));
+  const std::size_t size = data == nullptr ? 0 : readFully(file.fd(), data, file.size());
+  xml::XmlRoot* const root = xml::parseStr(data, size);
+  root->len = -1;  // the document releases the data
+  return root;
+}
+
+}  // namespace
+
+SettingsFile::SettingsFile(const char* path) : SettingsFile(path, xml::parseFile(path)) {}
+
+SettingsFile::SettingsFile(const char* path, xml::XmlRoot* document)
+    : path_(path), document_(document) {
+  if (!document_) {
+    complain({"cannot read ", path, ": ", std::strerror(errno)});
+  } else if (const char* const error = xml::error(document_.node()); *error != '\0') {
+    complain({"error in ", path, ": ", error});
+  }
+}
 
 xml::XmlNode* SettingsFile::find(std::initializer_list<const char*> names) const {
   xml::XmlNode* node = document_.node();
@@ -12,9 +39,16 @@ xml::XmlNode* SettingsFile::find(std::initializer_list<const char*> names) const
   return node;
 }
 
-int SettingsFile::finish(Edit edit) const {
+EditedSettings::EditedSettings(const char* path)
+    : ReplaceableFile(path, O_RDWR),
+      SettingsFile(path, isOpen() ? parse(*this) : xml::parseFile(path)) {}
+
+int EditedSettings::finish(Edit edit) const {
   if (edit == Edit::kDone) {
-    saveXml(path_, document_.get());
+    if (*xml::error(document_.node()) != '\0') {
+      complain({path_, " is rewritten without what stands behind its error"});
+    }
+    saveXml(*this, document_.get());
   }
   return edit == Edit::kFailed ? -1 : 0;
 }

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 
+#include "base/field.h"
+#include "config/replace_file.h"
 #include "xml/document.h"
 
 namespace onu {
@@ -17,22 +20,33 @@ enum class Edit {
 enum class Write { kAlways, kIfChanged };
 
 // One settings file, parsed for one accessor call. A malformed file gives the part of the tree that
-// stands before the error; one that cannot be opened has no elements at all.
+// stands before the error; one that cannot be opened has no elements at all. Either is named on
+// standard error.
 class SettingsFile {
  public:
-  explicit SettingsFile(const char* path) : path_(path), document_(xml::parseFile(path)) {}
+  explicit SettingsFile(const char* path);
 
   // The element reached from the root by these names, the first of each name; null when one is
   // missing. It belongs to this object.
   xml::XmlNode* find(std::initializer_list<const char*> names) const;
 
-  // Ends a setter: writes the file back when `edit` has changed the tree. Returns the setter's
-  // result, -1 for a failed edit and else 0. The texts of the edits must still be alive.
-  int finish(Edit edit) const;
+ protected:
+  // Takes over what was parsed of `path`, null when it could not be opened, as errno says.
+  SettingsFile(const char* path, xml::XmlRoot* document);
 
- private:
   const char* path_;
   xml::Document document_;
+};
+
+// The same for a setter, whose last step is finish(). The file that was read is the one that is
+// replaced, so it is open until then.
+class EditedSettings : private ReplaceableFile, public SettingsFile {
+ public:
+  explicit EditedSettings(const char* path);
+
+  // Writes the file back when `edit` has changed the tree. Returns the setter's result, -1 for a
+  // failed edit and else 0. The texts of the edits must still be alive.
+  int finish(Edit edit) const;
 };
 
 // Copies the element's text into `value`. False, with `value` untouched, without an element.
@@ -40,6 +54,22 @@ bool copyText(const xml::XmlNode* node, std::string& value);
 
 // Copies the attribute into `value`. False, with `value` untouched, without element or attribute.
 bool copyAttribute(const xml::XmlNode* node, const char* name, std::string& value);
+
+// The same for the fields of a record: each from the child element of its name, or from the
+// attribute. What is missing leaves its field as it is.
+template <typename Record, std::size_t count>
+void copyTexts(const xml::XmlNode* parent, const Field<Record> (&fields)[count], Record& record) {
+  for (const auto& [name, member] : fields) {
+    copyText(xml::child(parent, name.data()), record.*member);
+  }
+}
+template <typename Record, std::size_t count>
+void copyAttributes(const xml::XmlNode* node, const Field<Record> (&fields)[count],
+                    Record& record) {
+  for (const auto& [name, member] : fields) {
+    copyAttribute(node, name.data(), record.*member);
+  }
+}
 
 // Sets the element's text, with kIfChanged only when it differs. The tree points at `value`.
 Edit editText(xml::XmlNode* node, const std::string& value, Write write);

@@ -1,7 +1,7 @@
 #include "config/tpm_data.h"
 
+#include "base/number.h"
 #include "config/settings_file.h"
-#include "frontend/query.h"
 
 namespace onu {
 namespace {
@@ -47,17 +47,13 @@ int writeQueue(const char* path, FirstQueue first, const char* attribute, const 
   if (number < 0) {
     return -1;
   }
-  const SettingsFile file(path);
+  const EditedSettings file(path);
   xml::XmlNode* const element = xml::idx(first(file), number);
   return file.finish(editAttribute(element, attribute, value, Write::kAlways));
 }
 
 // Each of them is read and stored only where the file has it.
-struct MtuElement {
-  const char* name;
-  std::string MtuInfo::*field;
-};
-constexpr MtuElement kMtuElements[] = {
+constexpr Field<MtuInfo> kMtuTexts[] = {
     {"mtu_setting_enabled", &MtuInfo::mtuSettingEnable},
     {"ipv4_mtu_ds", &MtuInfo::ipv4DsMtu},
     {"ipv4_mtu_us", &MtuInfo::ipv4UsMtu},
@@ -74,17 +70,15 @@ TpmData& TpmData::getInstance() {
 int TpmData::getMtu(MtuInfo& info) const {
   const SettingsFile file(path_);
   const xml::XmlNode* const group = file.find({"mtu_setting"});
-  for (const auto& [name, field] : kMtuElements) {
-    copyText(xml::child(group, name), info.*field);
-  }
+  copyTexts(group, kMtuTexts, info);
   return group == nullptr ? -1 : 0;
 }
 
 int TpmData::setMtu(const MtuInfo& info) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   const xml::XmlNode* const group = file.find({"mtu_setting"});
-  for (const auto& [name, field] : kMtuElements) {
-    editText(xml::child(group, name), info.*field, Write::kIfChanged);
+  for (const auto& [name, member] : kMtuTexts) {
+    editText(xml::child(group, name.data()), info.*member, Write::kIfChanged);
   }
   return file.finish(group == nullptr ? Edit::kFailed : Edit::kDone);
 }
@@ -95,7 +89,7 @@ int TpmData::getSchedMethod(std::string& method) const {
 }
 
 int TpmData::setSchedMethod(const std::string& method) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   for (xml::XmlNode* queue = firstTxQueue(file); queue != nullptr; queue = queue->next) {
     editAttribute(queue, "sched_method", method, Write::kAlways);
   }
@@ -127,7 +121,7 @@ int TpmData::setRxQueueSize(const std::string& queue, const std::string& size) c
 }
 
 int TpmData::setFlowControl(const std::string& enabled) const {
-  const SettingsFile file(path_);
+  const EditedSettings file(path_);
   const xml::XmlNode* const group = file.find({"flow_control"});
   if (group == nullptr) {
     return -1;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "config/config_data.h"
 #include "device/shell.h"
 #include "device/status_file.h"
 
@@ -42,15 +41,5 @@ int readBootloaderMac(std::string& mac) {
 }
 
 void writeBootloaderMac(const std::string& mac) { runShell("fw_setenv mv_pon_addr  " + mac); }
-
-int storeMacInSettings(const std::string& mac) {
-  if (ConfigData::getInstance().setMac(mac) != 0) {
-    return -1;
-  }
-  // The factory file replaces the settings just written: the unit starts from it with the new
-  // address in the bootloader environment.
-  runShell("cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/");
-  return 0;
-}
 
 }  // namespace onu

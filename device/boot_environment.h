@@ -4,7 +4,7 @@
 
 namespace onu {
 
-// The unit's MAC address, which lives both in the bootloader environment and in the settings.
+// The unit's MAC address in the bootloader environment; the settings hold it too.
 
 // Reads the address of the bootloader environment, at most 17 characters of it, into `mac`. -1 with
 // `mac` untouched when the environment has none.
@@ -12,9 +12,5 @@ int readBootloaderMac(std::string& mac);
 
 // Writes `mac` into the bootloader environment. Not checked.
 void writeBootloaderMac(const std::string& mac);
-
-// Writes `mac` into the main settings, then puts the factory copy of the settings into the web
-// server's folder. -1, with nothing copied, when the settings have no place for the address.
-int storeMacInSettings(const std::string& mac);
 
 }  // namespace onu

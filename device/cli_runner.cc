@@ -1,9 +1,9 @@
 #include "device/cli_runner.h"
 
+#include "base/debug_trace.h"
+#include "base/fd.h"
 #include "device/shell.h"
 #include "device/status_file.h"
-#include "frontend/debug_trace.h"
-#include "frontend/fd.h"
 
 namespace onu {
 namespace {

@@ -1,34 +1,25 @@
 #include "device/epon_info.h"
 
 #include <array>
+#include <cstddef>
+#include <iterator>
 
+#include "base/debug_trace.h"
 #include "device/epon_tokens.h"
 #include "device/status_file.h"
-#include "frontend/debug_trace.h"
 
 namespace onu {
-namespace {
 
-// The counters in the order in which the driver prints them.
-constexpr std::array kCounters = {
-    &EponAllCnt::rxFcsFrames,         &EponAllCnt::rxShortFrames,
-    &EponAllCnt::rxLongFrames,        &EponAllCnt::rxDataFrames,
-    &EponAllCnt::rxCtrlFrames,        &EponAllCnt::rxReportFrames,
-    &EponAllCnt::rxGateFrames,        &EponAllCnt::txRegisterRequestFrames,
-    &EponAllCnt::txRegisterAckFrames, &EponAllCnt::txReportFrames,
-    &EponAllCnt::txDataFrames,        &EponAllCnt::txByteAllow,
-    &EponAllCnt::swTxTotalFrames,     &EponAllCnt::swTxErorFrames,
-    &EponAllCnt::swRxTotalFrames,     &EponAllCnt::swRxErrorFrames,
-    &EponAllCnt::swRegAckFrames,      &EponAllCnt::swRegNackFrames,
-    &EponAllCnt::swRegDeRegFrames,    &EponAllCnt::swRegReRegFrams,
-};
+EponInfo& EponInfo::getInstance() {
+  static EponInfo instance;
+  return instance;
+}
 
-// -1 when the file cannot be opened.
-int parseInfo(const char* path, EponOnuInfo& record) {
+int EponInfo::getOnuInfo(EponOnuInfo& record) const {
   std::string text;
-  if (readStatusFile(path, text) != 0) {
+  if (readStatusFile(infoPath_, text) != 0) {
     debugTrace("open file infoEpon  fail !");
-    return -1;
+    return 0;
   }
   std::string firstAddress;  // only the second is reported
   const std::array slots = {&record.state,          &record.etherType, &firstAddress,
@@ -37,34 +28,17 @@ int parseInfo(const char* path, EponOnuInfo& record) {
   return 0;
 }
 
-int parseCounters(const char* path, EponAllCnt& record) {
+int EponInfo::getAllCntInfo(EponAllCnt& record) const {
   std::string text;
-  if (readStatusFile(path, text) != 0) {
+  if (readStatusFile(countersPath_, text) != 0) {
     debugTrace("open file allCnt  fail !");
-    return -1;
+    return 0;
   }
-  std::array<std::string*, kCounters.size()> slots;
+  std::array<std::string*, std::size(kEponCounters)> slots;
   for (std::size_t i = 0; i < slots.size(); ++i) {
-    slots[i] = &(record.*kCounters[i]);
+    slots[i] = &(record.*kEponCounters[i].member);
   }
   splitTokens(text, TokenIndex::kPerFile, slots.data(), slots.size());
-  return 0;
-}
-
-}  // namespace
-
-EponInfo& EponInfo::getInstance() {
-  static EponInfo instance;
-  return instance;
-}
-
-int EponInfo::getOnuInfo(EponOnuInfo& record) const {
-  static_cast<void>(parseInfo(infoPath_, record));
-  return 0;
-}
-
-int EponInfo::getAllCntInfo(EponAllCnt& record) const {
-  static_cast<void>(parseCounters(countersPath_, record));
   return 0;
 }
 

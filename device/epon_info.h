@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "base/field.h"
+
 namespace onu {
 
 // State of the EPON link, as the driver prints it.
@@ -37,6 +39,30 @@ struct EponAllCnt {
   std::string swRegNackFrames;
   std::string swRegDeRegFrames;
   std::string swRegReRegFrams;
+};
+
+// The counters by the names that the pages know, in the order in which the driver prints them.
+constexpr Field<EponAllCnt> kEponCounters[] = {
+    {"rxFcsFrames", &EponAllCnt::rxFcsFrames},
+    {"rxShortFrames", &EponAllCnt::rxShortFrames},
+    {"rxLongFrames", &EponAllCnt::rxLongFrames},
+    {"rxDataFrames", &EponAllCnt::rxDataFrames},
+    {"rxCtrlFrames", &EponAllCnt::rxCtrlFrames},
+    {"rxReportFrames", &EponAllCnt::rxReportFrames},
+    {"rxGateFrames", &EponAllCnt::rxGateFrames},
+    {"txRegisterRequestFrames", &EponAllCnt::txRegisterRequestFrames},
+    {"txRegisterAckFrames", &EponAllCnt::txRegisterAckFrames},
+    {"txReportFrames", &EponAllCnt::txReportFrames},
+    {"txDataFrames", &EponAllCnt::txDataFrames},
+    {"txByteAllow", &EponAllCnt::txByteAllow},
+    {"swTxTotalFrames", &EponAllCnt::swTxTotalFrames},
+    {"swTxErorFrames", &EponAllCnt::swTxErorFrames},
+    {"swRxTotalFrames", &EponAllCnt::swRxTotalFrames},
+    {"swRxErrorFrames", &EponAllCnt::swRxErrorFrames},
+    {"swRegAckFrames", &EponAllCnt::swRegAckFrames},
+    {"swRegNackFrames", &EponAllCnt::swRegNackFrames},
+    {"swRegDeRegFrames", &EponAllCnt::swRegDeRegFrames},
+    {"swRegReRegFrams", &EponAllCnt::swRegReRegFrams},
 };
 
 // The EPON driver's status files. Every call reads the file anew and nothing stays open.

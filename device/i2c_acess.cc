@@ -4,8 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "base/fd.h"
 #include "device/smbus.h"
-#include "frontend/fd.h"
 
 namespace onu {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "frontend/fd.h"
+#include "base/fd.h"
 
 namespace onu {
 

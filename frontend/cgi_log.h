@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "frontend/fd.h"
+#include "base/fd.h"
 
 namespace onu {
 

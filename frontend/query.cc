@@ -1,6 +1,6 @@
 #include "frontend/query.h"
 
-#include <limits>
+#include "base/number.h"
 
 namespace onu {
 namespace {
@@ -21,8 +21,6 @@ void takeNumber(std::string_view text, std::string_view name, std::int32_t& numb
   }
 }
 
-constexpr bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 }  // namespace
 
 void parseQuery(ParsedQuery& query, std::string_view text) {
@@ -36,27 +34,6 @@ void parseQuery(ParsedQuery& query, std::string_view text) {
 
 std::string getParam(const ParsedQuery& query, std::string_view name) {
   return std::string(findValue(query.text, name));
-}
-
-std::int32_t toNumber(std::string_view text) {
-  constexpr std::int64_t kLimit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
-  std::size_t at = 0;
-  while (at < text.size() && isSpace(text[at])) {
-    ++at;
-  }
-  bool negative = false;
-  if (at < text.size() && (text[at] == '-' || text[at] == '+')) {
-    negative = text[at++] == '-';
-  }
-  std::int64_t magnitude = 0;
-  for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
-    magnitude = magnitude * 10 + (text[at] - '0');
-    if (magnitude >= kLimit) {
-      magnitude = negative ? kLimit : kLimit - 1;
-      break;
-    }
-  }
-  return static_cast<std::int32_t>(negative ? -magnitude : magnitude);
 }
 
 }  // namespace onu

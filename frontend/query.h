@@ -24,8 +24,4 @@ void parseQuery(ParsedQuery& query, std::string_view text);
 // Escapes (%20, +) are not decoded: the pages read them back as they sent them.
 std::string getParam(const ParsedQuery& query, std::string_view name);
 
-// The leading decimal number of `text` (white space and a sign before it are allowed), 0 without
-// one. Beyond 32 bits it stops at the nearest limit, as the unit's own conversion does.
-std::int32_t toNumber(std::string_view text);
-
 }  // namespace onu

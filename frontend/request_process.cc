@@ -2,9 +2,26 @@
 
 #include <algorithm>
 
-#include "frontend/debug_trace.h"
+#include "base/debug_trace.h"
+#include "base/message.h"
+#include "base/unit_lock.h"
 
 namespace onu {
+namespace {
+
+void run(const Command& command, WebRequest& request) {
+  const bool stores = request.action == 1;
+  if (command.changes == Changes::kAlways || (command.changes == Changes::kByStoring && stores)) {
+    takeUnitLock();
+  }
+  const Processor process =
+      stores ? command.store : (request.action == 0 ? command.read : command.other);
+  if (process != nullptr) {
+    process(request);
+  }
+}
+
+}  // namespace
 
 void RequestProcess(WebRequest& request, const std::string& text, const CommandTable& commands) {
   request.text = text;
@@ -12,13 +29,14 @@ void RequestProcess(WebRequest& request, const std::string& text, const CommandT
   request.commandNumber = request.query.commandNumber;
   request.action = request.query.action;
   debugTrace("RequestProcess:: request command is %d.", request.commandNumber);
+  setCommandOfComplaints(request.commandNumber);
 
   const Command* const end = commands.rows + commands.size;
   const Command* const row = std::lower_bound(
       commands.rows, end, request.commandNumber,
       [](const Command& command, std::int32_t number) { return command.number < number; });
   if (row != end && row->number == request.commandNumber) {
-    return row->process(request);
+    return run(*row, request);
   }
   debugTrace("RequestProcess::command processor is not find");
   request.reply.sendErrorPage(404, "processor is not find");

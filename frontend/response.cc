@@ -4,21 +4,28 @@
 
 #include <algorithm>
 
-#include "frontend/fd.h"
+#include "base/fd.h"
 
 namespace onu {
+
+JsonFields::JsonFields(std::initializer_list<View> fields) {
+  for (const auto& [key, value] : fields) {
+    (*this)[key] = value;
+  }
+}
+
 std::string& JsonFields::operator[](std::string_view key) {
   constexpr std::size_t kUsual = 24;
-  if (fields_.empty()) {
-    fields_.reserve(kUsual);
+  if (entries_.empty()) {
+    entries_.reserve(kUsual);
   }
-  if (fields_.empty() || fields_.back().key < key) {
-    return fields_.emplace_back(key).value;
+  if (entries_.empty() || entries_.back().key < key) {
+    return entries_.emplace_back(Entry{key, {}}).value;
   }
   const auto at = std::lower_bound(
-      fields_.begin(), fields_.end(), key,
-      [](const Field& field, std::string_view wanted) { return field.key < wanted; });
-  return at->key == key ? at->value : fields_.emplace(at, key)->value;
+      entries_.begin(), entries_.end(), key,
+      [](const Entry& entry, std::string_view wanted) { return entry.key < wanted; });
+  return at->key == key ? at->value : entries_.insert(at, Entry{key, {}})->value;
 }
 
 std::string toJsonObject(const JsonFields& fields) {
@@ -30,15 +37,10 @@ std::string toJsonObject(const JsonFields& fields) {
   for (const auto& [key, value] : fields.sorted()) {
     size += key.size() + value.size() + kAroundValue;
   }
-  std::string text(size, '{');
-  char* end = text.data() + 1;
+  std::string text = "{";
+  text.reserve(size);
   for (const auto& [key, value] : fields.sorted()) {
-    end = std::copy(key.begin(), key.end(), end);
-    *end++ = ':';
-    *end++ = '"';
-    end = std::copy(value.begin(), value.end(), end);
-    *end++ = '"';
-    *end++ = ',';
+    text.append(key).append(":\"").append(value).append("\",");
   }
   text.back() = '}';
   return text;
@@ -51,6 +53,18 @@ void ResponseWriter::sendJsonResponse(std::string_view body) const {
   reply.reserve(kHead.size() + body.size() + 1);
   reply.append(kHead).append(body).push_back('\n');
   writeFully(STDOUT_FILENO, reply);
+}
+
+void ResponseWriter::sendArray(const JsonFields& fields) const {
+  sendJsonResponse("[" + toJsonObject(fields) + "]");
+}
+
+void ResponseWriter::sendStatusOrPage(int result, std::string_view refusal) const {
+  constexpr int kRefused = 405;
+  if (result != 0) {
+    return sendErrorPage(kRefused, refusal);
+  }
+  sendJsonResponse("0");
 }
 
 void ResponseWriter::sendErrorPage(int code, std::string_view message) const {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "frontend/debug_trace.h"
-#include "frontend/fd.h"
+#include "base/debug_trace.h"
+#include "base/fd.h"
 
 namespace onu {
 namespace {

@@ -6,8 +6,9 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "frontend/debug_trace.h"
-#include "frontend/fd.h"
+#include "base/debug_trace.h"
+#include "base/fd.h"
+#include "base/number.h"
 #include "frontend/query.h"
 #include "frontend/upload.h"
 
@@ -15,11 +16,6 @@ namespace onu {
 namespace {
 
 constexpr std::uint32_t kMaxUpload = 0x1000000;  // bytes
-
-std::string_view queryString() {
-  const char* const text = std::getenv("QUERY_STRING");
-  return text == nullptr ? std::string_view() : std::string_view(text);
-}
 
 // Grows with what arrives: the announced length is the client's claim, not a size to allocate.
 std::string readBody(std::uint32_t length) {
@@ -47,6 +43,11 @@ WebDataComm& WebDataComm::getInstance() {
   return instance;
 }
 
+std::string_view WebDataComm::queryString() {
+  const char* const text = std::getenv("QUERY_STRING");
+  return text == nullptr ? std::string_view() : std::string_view(text);
+}
+
 int WebDataComm::readRequestMethod(std::uint32_t& length, RequestMethod& method) const {
   const char* const name = std::getenv("REQUEST_METHOD");
   if (name == nullptr) {
@@ -66,7 +67,7 @@ int WebDataComm::readRequestMethod(std::uint32_t& length, RequestMethod& method)
   return 0;
 }
 
-int WebDataComm::readRequestText(std::string& text) const {
+int WebDataComm::readRequestText(std::string& text) {
   std::uint32_t length = 0;
   RequestMethod method = RequestMethod::kNone;
   if (readRequestMethod(length, method) != 0) {
@@ -75,6 +76,7 @@ int WebDataComm::readRequestText(std::string& text) const {
   text.clear();
   if (method == RequestMethod::kPost) {
     text = readBody(length);
+    missing_ = length - text.size();
     text.resize(std::min(text.find('\0'), text.size()));
     debugTrace("  method = post");
   } else if (method == RequestMethod::kGet) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace onu {
 
@@ -22,11 +24,17 @@ class WebDataComm {
 
   // The query string of a GET or the body of a POST, up to its first zero byte. A body that ends
   // before its announced length is taken as far as it goes, and memory is taken for no more than
-  // that. -1 when the method cannot be read.
-  int readRequestText(std::string& text) const;
+  // that; missingBytes() tells. -1 when the method cannot be read.
+  int readRequestText(std::string& text);
+
+  // By how many bytes the body that readRequestText has read was shorter than announced.
+  std::size_t missingBytes() const { return missing_; }
 
   // Only the first 16 characters of the type count. -1 when CONTENT_TYPE is not set.
   int readContentType(ContentType& type) const;
+
+  // QUERY_STRING, empty when it is not set; the environment's own text.
+  static std::string_view queryString();
 
   // Stores the file of a multipart/form-data body at `path`. -1 for an empty body or one above
   // 16 MiB (`path` is then not touched), and when `path` cannot be written or the body is shorter
@@ -41,6 +49,7 @@ class WebDataComm {
   WebDataComm();
 
   std::array<char, 256> area_{};
+  std::size_t missing_ = 0;
 };
 
 }  // namespace onu

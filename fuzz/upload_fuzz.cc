@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <string>
 
-#include "frontend/fd.h"
+#include "base/fd.h"
 #include "frontend/upload.h"
 #include "fuzz/check.h"
 

@@ -2,45 +2,86 @@
 
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
 #include <string>
 
+#include "base/message.h"
+#include "base/unit_lock.h"
 #include "commands/command_table.h"
 #include "frontend/request_process.h"
 #include "frontend/web_data_comm.h"
 
 namespace {
 
+using onu::complain;
+using onu::WebDataComm;
+
 constexpr const char* kUploadPath = "/tmp/recFile";  // where import and upgrade expect their file
+constexpr const char* kPartialPath = "/tmp/.recFile";
+constexpr std::uint32_t kMaxForm = 1024 * 1024;  // bytes of a form body
 constexpr int kBadRequest = 400;
 
-// Puts the text to dispatch into the request: of an upload the query string of its URL, once the
-// file is stored. Otherwise answers the request and returns false.
-bool readRequest(onu::WebRequest& request) {
-  onu::WebDataComm& web = onu::WebDataComm::getInstance();
-  onu::ContentType type = onu::ContentType::kForm;
+// What cannot be a whole form is refused: cut short it is another request, and the unit's memory
+// belongs to the commands. Says why on standard error.
+bool readForm(WebDataComm& web, std::string& text) {
+  std::uint32_t length = 0;
+  auto method = onu::RequestMethod::kNone;
+  if (web.readRequestMethod(length, method) != 0) {
+    complain({"REQUEST_METHOD is not set"});
+    return false;
+  }
+  if (method == onu::RequestMethod::kPost && length > kMaxForm) {
+    complain({"a form of ", std::to_string(length), " bytes is announced, at most ",
+              std::to_string(kMaxForm), " are taken"});
+    return false;
+  }
+  web.readRequestText(text);
+  if (web.missingBytes() != 0) {
+    complain({"the form ends ", std::to_string(web.missingBytes()), " bytes before its announced ",
+              std::to_string(length)});
+  }
+  return web.missingBytes() == 0;
+}
+
+// Stores the file of an upload, whole or not at all: it has its name when it is complete, and
+// neither an old nor a partial one may ever reach an import or an upgrade. Nobody else may receive
+// one at the same time; who had to go on without the lock cannot know that.
+bool receiveUpload(WebDataComm& web) {
+  onu::takeUnitLock();
+  if (!onu::unitLockHeld()) {
+    return false;
+  }
+  ::unlink(kUploadPath);
+  if (web.receiveFile(kPartialPath) != 0 || std::rename(kPartialPath, kUploadPath) != 0) {
+    complain({"the upload was not received whole"});
+    ::unlink(kPartialPath);
+    return false;
+  }
+  return true;
+}
+
+// Fills `text` with what is to be dispatched: of an upload the query string of its URL. False when
+// the request has been answered instead.
+bool readRequest(const onu::ResponseWriter& reply, std::string& text) {
+  WebDataComm& web = WebDataComm::getInstance();
+  auto type = onu::ContentType::kForm;
   web.readContentType(type);
   if (type != onu::ContentType::kMultipart) {
-    if (web.readRequestText(request.text) != 0) {
-      request.reply.sendErrorPage(kBadRequest, "read request fail");
+    if (!readForm(web, text)) {
+      reply.sendErrorPage(kBadRequest, "read request fail");
       return false;
     }
     return true;
   }
-  if (web.receiveFile(kUploadPath) != 0) {
-    ::unlink(kUploadPath);  // a stale or partial file must never reach an import or an upgrade
-    request.reply.sendErrorPage(kBadRequest, "receive file fail");
+  if (!receiveUpload(web)) {
+    reply.sendErrorPage(kBadRequest, "receive file fail");
     return false;
   }
-  const char* const query = std::getenv("QUERY_STRING");
-  request.text = query == nullptr ? "" : query;
+  text = WebDataComm::queryString();
   return true;
-}
-
-void complain(const char* what) {
-  const std::string line = std::string("onu-cgi: ").append(what).append("\n");
-  static_cast<void>(!::write(STDERR_FILENO, line.data(), line.size()));
 }
 
 }  // namespace
@@ -48,12 +89,16 @@ void complain(const char* what) {
 int main() {
   try {
     onu::WebRequest request;
-    if (readRequest(request)) {
-      onu::RequestProcess(request, request.text, onu::commandTable());
+    std::string text;
+    if (readRequest(request.reply, text)) {
+      onu::RequestProcess(request, text, onu::commandTable());
     }
+  } catch (const std::out_of_range&) {
+    // Too short a value where a command cuts a part out of it, which has said so: there is no reply
+    // to make of that.
+    return EXIT_FAILURE;
   } catch (const std::exception& error) {
-    // Too short a value where a command cuts a part out of it: there is no reply to make of that.
-    complain(error.what());
+    complain({error.what()});
     return EXIT_FAILURE;
   }
   return EXIT_SUCCESS;

@@ -4,13 +4,15 @@
 // whatever was found.
 
 #include <cstdlib>
+#include <exception>
 #include <string>
 #include <string_view>
 
+#include "base/message.h"
+#include "base/unit_lock.h"
 #include "config/config_data.h"
 #include "device/boot_environment.h"
 #include "device/shell.h"
-#include "frontend/message.h"
 
 namespace {
 
@@ -22,8 +24,13 @@ using onu::runShell;
 constexpr std::string_view kPlaceholderPrefix = "00:50:43";
 
 void storeMac(const std::string& mac) {
+  onu::takeUnitLock();  // the web server may be up
   onu::writeBootloaderMac(mac);
-  onu::storeMacInSettings(mac);
+  // The factory file replaces the settings just written: the unit starts from it with the new
+  // address in the bootloader environment.
+  if (onu::ConfigData::getInstance().setMac(mac) == 0) {
+    runShell(std::string("cp -f ") + onu::kFactorySettingsPath + "  /var/tevo/website/www/xml/");
+  }
   printLine("mv_pon_addr =" + mac);
 }
 
@@ -47,6 +54,7 @@ void reconcileMac(const std::string& settingsMac) {
     onu::writeBootloaderMac(settingsMac);
     runShell("/sbin/reboot");
   } else if (mac != settingsMac) {
+    onu::takeUnitLock();
     onu::ConfigData::getInstance().setMac(mac);
     printLine(" onu mac address  = " + mac);
   }
@@ -55,15 +63,19 @@ void reconcileMac(const std::string& settingsMac) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  printLine("");
-  printLine("");
-  printLine("  ***** Init Tevo Prameters **** ");
-  if (argc == 2) {
-    storeMac(argv[1]);
-  } else {
-    onu::IpInfo ip;
-    bringUpInterface(ip);
-    reconcileMac(ip.onu_mac);
+  try {
+    printLine("");
+    printLine("");
+    printLine("  ***** Init Tevo Prameters **** ");
+    if (argc == 2) {
+      storeMac(argv[1]);
+    } else {
+      onu::IpInfo ip;
+      bringUpInterface(ip);
+      reconcileMac(ip.onu_mac);
+    }
+  } catch (const std::exception& error) {
+    onu::complain({error.what()});
   }
   return EXIT_SUCCESS;
 }

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "frontend/fd.h"
+#include "base/fd.h"
 #include "sim/smbus_emulation.h"
 
 struct seccomp_notif;

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-#include "frontend/fd.h"
+#include "base/fd.h"
 #include "sim/optical_registers.h"
 
 namespace onu::sim {

@@ -7,7 +7,7 @@
 
 #include "device/i2c_acess.h"
 #include "device/smbus.h"
-#include "frontend/fd.h"
+#include "base/fd.h"
 #include "tests/support/unit.h"
 
 namespace onu::test {

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "frontend/fd.h"
+#include "base/fd.h"
 #include "tests/support/unit.h"
 
 namespace onu::test {

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <csignal>
-#include <string>
+#include <initializer_list>
 #include <string_view>
-
-#include "frontend/fd.h"
 
 namespace onu {
 
@@ -24,9 +22,14 @@ class BrokenPipeGuard {
 // Writes `text` and a line feed to standard output at once, unbuffered: messages keep their order
 // with the output of the tools that are started after them. Whether anybody reads them does not
 // matter.
-inline void printLine(std::string_view text) {
-  const BrokenPipeGuard guard;
-  writeFully(STDOUT_FILENO, std::string(text).append("\n"));
-}
+void printLine(std::string_view text);
+
+// Says on standard error, the log of the web server, what failed on what: a line of the parts
+// behind "onu-cgi: command 5: ", without the command while that is not known. Takes no memory, so
+// it works when there is none. At most 6 parts.
+void complain(std::initializer_list<std::string_view> parts);
+
+// The command that later complaints name; 0 for none.
+void setCommandOfComplaints(int number);
 
 }  // namespace onu
