@@ -45,8 +45,8 @@ void takeUnitLock() {
   g_held = folder && (::flock(folder.get(), LOCK_EX | LOCK_NB) == 0 ||
                       (errno == EWOULDBLOCK && waitFor(folder.get())));
   if (!g_held) {
-    complain({"goes on beside another request: no lock on ", kFolder, ": ",
-              errno == EINTR ? "waited 10 s" : std::strerror(errno)});
+    complain({"no lock on ", kFolder,
+              ", others may be at work: ", errno == EINTR ? "waited 10 s" : std::strerror(errno)});
   }
 }
 

@@ -52,6 +52,7 @@ bool readForm(WebDataComm& web, std::string& text) {
 bool receiveUpload(WebDataComm& web) {
   onu::takeUnitLock();
   if (!onu::unitLockHeld()) {
+    complain({"no upload is received beside another request"});
     return false;
   }
   ::unlink(kUploadPath);
