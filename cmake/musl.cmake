@@ -7,5 +7,11 @@ elseif(DEFINED ENV{XDG_CACHE_HOME})
 else()
   set(musl_dir $ENV{HOME}/.cache/onu-musl)
 endif()
+# Before CMake looks for a compiler: what it does not find, it remembers. "ready" is the script's
+# last step.
+if(NOT EXISTS ${musl_dir}/${MUSL_ARCH}/ready)
+  message(FATAL_ERROR "There is no musl toolchain in ${musl_dir}/${MUSL_ARCH} yet: "
+    "run script/musl-toolchain ${MUSL_ARCH}, then this again.")
+endif()
 set(CMAKE_CXX_COMPILER ${musl_dir}/${MUSL_ARCH}/bin/${MUSL_TARGET}-g++)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

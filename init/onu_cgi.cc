@@ -70,18 +70,17 @@ bool readRequest(const onu::ResponseWriter& reply, std::string& text) {
   WebDataComm& web = WebDataComm::getInstance();
   auto type = onu::ContentType::kForm;
   web.readContentType(type);
-  if (type != onu::ContentType::kMultipart) {
-    if (!readForm(web, text)) {
-      reply.sendErrorPage(kBadRequest, "read request fail");
-      return false;
-    }
-    return true;
+  const bool upload = type == onu::ContentType::kMultipart;
+  if (upload) {
+    text = WebDataComm::queryString();
+  } else if (!readForm(web, text)) {
+    reply.sendErrorPage(kBadRequest, "read request fail");
+    return false;
   }
-  if (!receiveUpload(web)) {
+  if (upload && !receiveUpload(web)) {
     reply.sendErrorPage(kBadRequest, "receive file fail");
     return false;
   }
-  text = WebDataComm::queryString();
   return true;
 }
 
