@@ -27,21 +27,23 @@ const char* skipOpaque(const char* p, const char* e, bool inDeclaration) {
   return p;
 }
 
-}  // namespace
-
-const char* plainSubsetEnd(const char* start, const char* e) {
+// The end of a subset whatever quotes and comments say.
+const char* plainEnd(const char* start, const char* e) {
   for (const char* p = start; p != e; ++p) {
-    if (closes(p, e)) return p;
+    if (closes(p, e)) {
+      return p;
+    }
   }
   return nullptr;
 }
 
-const char* subsetEnd(const char* start, const char* e) {
+// The end of a subset outside of quotes and comments.
+const char* carefulEnd(const char* start, const char* e) {
   bool inDeclaration = false;
   for (const char* p = start; p != e;) {
     const char* behind = skipOpaque(p, e, inDeclaration);
     if (behind != p) {
-      if (behind == nullptr) break;  // not well formed, so what looks like the end shall be it
+      if (behind == nullptr) return nullptr;
       p = behind;
       continue;
     }
@@ -50,15 +52,24 @@ const char* subsetEnd(const char* start, const char* e) {
     if (*p == '>') inDeclaration = false;
     ++p;
   }
-  return plainSubsetEnd(start, e);
+  return nullptr;
+}
+
+}  // namespace
+
+// In a document that is not well formed what looks like the end shall be it, from then on: each
+// careful look may go to the end of the data.
+const char* Doctype::subsetEnd(const char* p, const char* e) {
+  const char* end = isWellFormed_ ? carefulEnd(p, e) : nullptr;
+  isWellFormed_ = end != nullptr;
+  return isWellFormed_ ? end : plainEnd(p, e);
 }
 
 DoctypeError Doctype::read(const char* subset, size_t length) {
   error_ = {};
   SubsetSource source(subset, length, entities_);
   declarations(source);
-  checkCircles();
-  publish();
+  isFreeOfCircles(true);
   return error_;
 }
 
@@ -89,7 +100,9 @@ bool Doctype::declaration(SubsetSource& source) {
   if (source.accept("<?"))
     return source.through("?>").text != nullptr || fail(place, "unclosed <?");
   if (source.accept("<!ATTLIST")) return attributeList(source);
-  if (source.accept("<!ENTITY")) entity(source);
+  if (source.accept("<!ENTITY") && !entity(source)) {
+    return false;
+  }
   source.skipDeclaration();
   return true;
 }
@@ -103,24 +116,38 @@ bool Doctype::isPredefined(const char* key) const {
 }
 
 // Declarations of external entities have no value to keep.
-void Doctype::entity(SubsetSource& source) {
+bool Doctype::entity(SubsetSource& source) {
   const char* place = source.place();
-  if (!source.skipSpace()) return;
+  if (!source.skipSpace()) {
+    return true;
+  }
   bool isParameter = source.accept("%");
-  if (!source.skipSpace()) return;
+  if (!source.skipSpace()) {
+    return true;
+  }
   Token name = source.word("\"'>");
-  if (name.length == 0 || !source.skipSpace()) return;
+  if (name.length == 0 || !source.skipSpace()) {
+    return true;
+  }
   Token value = source.quoted();
-  if (value.text == nullptr) return;
+  if (value.text == nullptr) {
+    return true;
+  }
 
   char* key = root_.arena.copy(name.text, name.length + 1);
   key[name.length] = ';';
-  if (!isParameter && isPredefined(key)) return;
+  if (!isParameter && isPredefined(key)) {
+    return true;
+  }
   char* text = root_.arena.copy(value.text, value.length);
   Decoded decoded = decoder_.decode(text, value.length, Mode::kEntity);
   if (!decoded.inPlace) decoded.text = root_.arena.copy(decoded.text, decoded.length);
   EntityTable& table = isParameter ? entities_.parameter : entities_.general;
-  table.add({key, name.length + 1, decoded.text, decoded.length, place});
+  if (!table.add({key, name.length + 1, decoded.text, decoded.length, place, declared_})) {
+    return true;
+  }
+  ++declared_;
+  return isFreeOfCircles(false);
 }
 
 bool Doctype::attributeList(SubsetSource& source) {
@@ -181,7 +208,7 @@ void Doctype::addDefault(Token element, Token name, Token value, Mode mode) {
   if (!decoded.inPlace) decoded.text = root_.arena.copy(decoded.text, decoded.length);
   const char* key = root_.arena.copy(name.text, name.length);
   index_.add(defaults.element, key, name.length, defaults.attributes.size());
-  defaults.attributes.push_back({key, decoded.text, mode});
+  defaults.attributes.push_back({key, decoded.text, mode, declared_});
 }
 
 bool Doctype::fail(const char* place, const char* message, const char* argument) {
@@ -189,23 +216,36 @@ bool Doctype::fail(const char* place, const char* message, const char* argument)
   return false;
 }
 
-// A circle is an error of the declaration that closes it, which stands before any other error
-// found.
-void Doctype::checkCircles() {
-  const Entity* first = entities_.general.firstCircular();
-  const Entity* other = entities_.parameter.firstCircular();
-  if (first == nullptr || (other != nullptr && other->place < first->place)) first = other;
-  if (first != nullptr) fail(first->place, "circular entity declaration &%s", first->name);
+// A circle is the error of the declaration that closes it, even where it is found later: what
+// stands behind that declaration does not hold.
+bool Doctype::isFreeOfCircles(bool now) {
+  const Entity* first = entities_.general.firstCircular(now);
+  const Entity* other = entities_.parameter.firstCircular(now || first != nullptr);
+  if (first == nullptr && other != nullptr) {
+    first = entities_.general.firstCircular(true);
+  }
+  if (first == nullptr || (other != nullptr && other->order < first->order)) {
+    first = other;
+  }
+  if (first == nullptr) {
+    return true;
+  }
+  held_ = first->order;
+  return fail(first->place, "circular entity declaration &%s", first->name);
 }
 
-// Puts what was declared into the document's tables.
-void Doctype::publish() {
+void Doctype::publish() const {
   const auto& general = entities_.general.all();
   const char** entity =
       root_.arena.array<const char*>(2 * (kPredefinedEntities + general.size()) + 1);
   root_.ent = entity;
-  for (size_t i = 0; i < 2 * kPredefinedEntities; ++i) *entity++ = root_.predefined[i];
+  for (size_t i = 0; i < 2 * kPredefinedEntities; ++i) {
+    *entity++ = root_.predefined[i];
+  }
   for (const Entity& declared : general) {
+    if (declared.order > held_) {
+      break;
+    }
     *entity++ = declared.name;
     *entity++ = declared.value;
   }
@@ -214,17 +254,28 @@ void Doctype::publish() {
   const char*** lists = root_.arena.array<const char**>(defaults_.size() + 1);
   root_.attr = lists;
   for (const ElementDefaults& defaults : defaults_) {
-    const char** text = root_.arena.array<const char*>(2 + 3 * defaults.attributes.size());
-    *lists++ = text;
-    *text++ = defaults.element;
-    for (const Default& attribute : defaults.attributes) {
-      *text++ = attribute.name;
-      *text++ = attribute.value;
-      *text++ = attribute.mode == Mode::kTokens ? "*" : " ";
+    if (defaults.attributes.front().order > held_) {
+      break;
     }
-    *text = nullptr;
+    *lists++ = publish(defaults);
   }
   *lists = nullptr;
+}
+
+const char** Doctype::publish(const ElementDefaults& defaults) const {
+  const char** list = root_.arena.array<const char*>(2 + 3 * defaults.attributes.size());
+  const char** text = list;
+  *text++ = defaults.element;
+  for (const Default& attribute : defaults.attributes) {
+    if (attribute.order > held_) {
+      break;
+    }
+    *text++ = attribute.name;
+    *text++ = attribute.value;
+    *text++ = attribute.mode == Mode::kTokens ? "*" : " ";
+  }
+  *text = nullptr;
+  return list;
 }
 
 }  // namespace xml::internal

@@ -13,20 +13,40 @@ bool EntityTable::add(const Entity& entity) {
   if (find(entity.name, entity.nameLength) != nullptr) return false;
   index_.add(nullptr, entity.name, entity.nameLength, entities_.size());
   entities_.push_back(entity);
+  cost_ += entity.nameLength + entity.valueLength;
   return true;
 }
 
-// A circle stays one with more declarations, so the first that closes one is found by halving; each
-// look costs the length of all values, where a look per declaration would cost its square.
-const Entity* EntityTable::firstCircular() const {
-  if (!hasCircle(entities_.size())) return nullptr;
-  size_t without = 0;
-  size_t with = entities_.size();
+// A circle stays one with more declarations, so the first that closes one is found by halving.
+const Entity* EntityTable::firstCircular(bool now) {
+  const size_t count = entities_.size();
+  if (count == checked_) {
+    return nullptr;
+  }
+  if (!now && cost_ < 2 * checkedCost_ && !refersToItself(count - 1)) {
+    return nullptr;
+  }
+  checkedCost_ = cost_;
+  if (!hasCircle(count)) {
+    checked_ = count;
+    return nullptr;
+  }
+  size_t without = checked_;
+  size_t with = count;
   while (with - without > 1) {
     size_t middle = without + (with - without) / 2;
     (hasCircle(middle) ? with : without) = middle;
   }
   return &entities_[with - 1];
+}
+
+bool EntityTable::refersToItself(size_t entity) const {
+  size_t position = 0;
+  size_t next = 0;
+  do {
+    next = nextReference(entities_[entity], &position);
+  } while (next != NameIndex::kNone && next != entity);
+  return next == entity;
 }
 
 // Depth first over the first `count` entities, with a stack of its own: chains may be long.

@@ -14,6 +14,7 @@ struct Entity {
   const char* value;
   size_t valueLength;
   const char* place;  // of the declaration in the input
+  size_t order;       // how many declarations of entities stood before it
 };
 
 // General or parameter entities in the order declared. Texts are not copied.
@@ -29,18 +30,24 @@ class EntityTable {
   bool add(const Entity& entity);
 
   // The first declaration that made an entity refer to itself, directly or through others; NULL
-  // when none does.
-  const Entity* firstCircular() const;
+  // when none did. Looks at once for the newest's references to itself, and for circles through
+  // others whenever all texts are twice as long as the last time or `now`: a look per declaration
+  // would cost the square of their length.
+  const Entity* firstCircular(bool now);
 
   const std::vector<Entity>& all() const { return entities_; }
 
  private:
+  bool refersToItself(size_t entity) const;
   bool hasCircle(size_t count) const;
   size_t nextReference(const Entity& from, size_t* position) const;
 
   char sign_;
   std::vector<Entity> entities_;
   NameIndex index_;
+  size_t cost_ = 0;         // of looking for circles in all
+  size_t checkedCost_ = 0;  // when it was done last
+  size_t checked_ = 0;      // entities among which there are none
 };
 
 // All entities a document declares. References past the budget stay as written, so that a small

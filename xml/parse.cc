@@ -62,7 +62,12 @@ void Parser::end() {
   if (!failed_ && !builder_.hasRoot()) fail(p_, "root tag missing");
   root_.cur = builder_.isOpen() ? builder_.openNode() : nullptr;
   builder_.closeAll();
-  if (instructions_ != nullptr) instructions_->publish(root_);
+  if (instructions_ != nullptr) {
+    instructions_->publish(root_);
+  }
+  if (doctype_ != nullptr) {
+    doctype_->publish();
+  }
 }
 
 // Character data of the open element, where bytes from `stop` on have to be decoded.
@@ -117,21 +122,22 @@ bool Parser::documentType() {
   return fail(p_, "unclosed <!DOCTYPE");
 }
 
-// Only the first subset declares anything; a well-formed document has no other.
 bool Parser::internalSubset(char* start) {
   if (doctype_ == nullptr) {
     if (void* nul = std::memchr(start, '\0', static_cast<size_t>(e_ - start)); nul != nullptr) {
       e_ = static_cast<char*>(nul);
     }
-  }
-  const char* close = doctype_ == nullptr ? subsetEnd(start, e_) : plainSubsetEnd(start, e_);
-  if (close == nullptr) return fail(p_, "unclosed <!DOCTYPE");
-  auto length = static_cast<size_t>(close - start);
-  if (doctype_ == nullptr) {
     doctype_ = std::make_unique<Doctype>(root_, decoder_);
     decoder_.setEntities(&doctype_->entities());
-    DoctypeError error = doctype_->read(start, length);
-    if (error.message != nullptr) return fail(error.place, error.message, error.argument);
+  }
+  const char* close = doctype_->subsetEnd(start, e_);
+  if (close == nullptr) {
+    return fail(p_, "unclosed <!DOCTYPE");
+  }
+  const auto length = static_cast<size_t>(close - start);
+  const DoctypeError error = doctype_->read(start, length);
+  if (error.message != nullptr) {
+    return fail(error.place, error.message, error.argument);
   }
   return content(skipSpace(start + length + 1, e_) + 1, nullptr);
 }

@@ -1,11 +1,16 @@
 // The settings files as a tree: parse in place, look up, change, write back.
 //
 // A document lives from a parse entry point to freeDoc. Names, values and character data are cut
-// out of the input buffer where they lie, so the buffer belongs to the document from the call on
-// and every text of the tree is valid until freeDoc. Operations on a NULL node give NULL or do
-// nothing; only toXml and error then give an empty text. A document is used by one thread; nothing
-// is shared between documents but constants. Running out of memory ends the process, except while
-// input is read.
+// out of the input buffer where they lie, so that the buffer is written to and must last as long as
+// the document, and every text of the tree is valid until freeDoc. Operations on no node (nullptr)
+// give nullptr or do nothing; only toXml and error then give an empty text. No name (nullptr) is
+// found nowhere and sets nothing. A document is used by one thread; nothing is shared between
+// documents but constants. Running out of memory ends the process, except while input is read.
+//
+// Decided where parsers differ: buffers double as they grow. The length tells where the data ends,
+// or a zero byte before that. References to characters above 0x7FFFFFFF stay as written, and so do
+// references to entities once they have made 1 MiB of text in a document, so that a small file
+// cannot take all memory.
 #pragma once
 
 #include <cstddef>
@@ -24,10 +29,10 @@ constexpr uint8_t kTextAllocated = 0x40;
 // While set, setAttr takes over heap copies of name and value.
 constexpr uint8_t kAttributesAllocated = 0x20;
 
-// One element. `name` is NULL only in the root of a document without any element.
+// One element. `name` is nullptr only in the root of a document without any element.
 struct XmlNode {
   const char* name;
-  // Name, value, name, value, ..., NULL, then one text with a byte per attribute that says who owns
+  // Name, value, name, value, ..., nullptr, then one text with a byte per attribute that says who owns
   // the pair. Elements without attributes share one constant empty array.
   const char** attr;
   const char* txt;  // all character data of the element itself, "" when none
@@ -37,23 +42,25 @@ struct XmlNode {
   XmlNode* sibling;
   XmlNode* ordered;  // next element under the same parent in document order
   XmlNode* child;    // first child element
-  XmlNode* parent;   // NULL in the root
+  XmlNode* parent;   // nullptr in the root
   uint8_t flags;
 };
 
 // A parsed document. Made by the parse functions only, since more state follows the listed fields.
 struct XmlRoot {
   XmlNode xml;       // the root element
-  XmlNode* cur;      // element open while parsing; NULL once the root element is closed
+  XmlNode* cur;      // element left open by the data; nullptr once the root element is closed
   char* m;           // the input buffer
   ptrdiff_t len;     // its length in bytes, or -1 when freeDoc releases it with free()
-  char* u;           // UTF-8 copy of UTF-16 input, else NULL
+  char* u;           // UTF-8 copy of UTF-16 input, else nullptr
   char* s;           // first byte of the data, after any conversion
   char* e;           // one past its last byte; data ends early at a NUL byte
-  const char** ent;  // general entities: name with its ";", replacement, ..., NULL
-  // Declared defaults: {element, attribute, value, "*" or " " (CDATA), ..., NULL}.
+  const char** ent;  // general entities: name with its ";", replacement, ..., nullptr
+  // Declared defaults: a list {element, attribute, value, "*" or " " (CDATA), ..., nullptr} for each
+  // element, then nullptr.
   const char*** attr;
-  // Instructions: {target, text, ..., NULL, '<' (before root) or '>' for each text}.
+  // Instructions: a list {target, text, ..., nullptr, '<' (before root) or '>' for each text} for
+  // each target, then nullptr.
   const char*** pi;
   short standalone;  // 1 when the XML declaration says standalone="yes"
   char err[128];     // "[error near line %d]: %s" of the first error, or ""
@@ -65,67 +72,69 @@ struct Step {
   int index;
 };
 
-// Reads and parses a whole file. NULL when it cannot be opened. Whatever else goes wrong is in
-// `err`: a file that is empty, unreadable or too large for the memory there is gives a document
-// without elements and "root tag missing". The caller ends the document with freeDoc.
+// Reads and parses a whole file; the buffer is the document's. nullptr when it cannot be opened.
+// Whatever else goes wrong is in `err`: a file that is empty, unreadable or too large for the memory
+// there is gives a document without elements and "root tag missing". The caller ends the document
+// with freeDoc.
 XmlRoot* parseFile(const char* path);
 
-// The same on an open file, read from where it stands; it stays open. NULL for a negative
+// The same on an open file, read from where it stands; it stays open. nullptr for a negative
 // descriptor.
 XmlRoot* parseFd(int fd);
 
-// The same with what is left in a stream, which stays open. NULL when there is no memory to read it
-// into.
+// The same with what is left in a stream, which stays open. nullptr when there is no memory to read
+// it into.
 XmlRoot* parseStream(FILE* stream);
 
-// Parses `length` bytes in place. The buffer needs no spare byte; it is written to, stays the
-// caller's to release, and must outlive the document. Never NULL: on malformed input `err` is set
-// and the elements read up to there form the tree. General and parameter entities expand to no more
-// than 1 MiB in one document, references past that stay as written. So do character references
-// above 0x7FFFFFFF.
+// Parses `length` bytes in place. The buffer needs no spare byte. It stays the caller's, who
+// releases it after freeDoc, or sets `len` to -1 so that freeDoc does it with free(). Never nullptr:
+// on malformed input `err` is set and the elements read up to there form the tree.
 XmlRoot* parseStr(char* data, size_t length);
 
-// First child element of that name, or NULL.
+// First child element of that name, or nullptr.
 XmlNode* child(const XmlNode* node, const char* name);
 
-// The n-th element after this one among those of its name (0: itself), or NULL when there are
-// fewer.
+// The n-th element after this one among those of its name, or nullptr when there are fewer. Itself
+// for 0 and for a negative number.
 XmlNode* idx(XmlNode* node, int n);
 
 // Value of an attribute, else the default declared for this element in the document type, else
-// NULL.
+// nullptr.
 const char* attr(const XmlNode* node, const char* name);
 
-// Walks down from `node`, one child per step, to NULL or the last one's element. The steps end with
-// the list or at an empty or NULL name; a negative index takes the first child of that name and
+// Walks down from `node`, one child per step, to nullptr or the last one's element. The steps end
+// with the list or at an empty name or none; a negative index takes the first child of that name and
 // ends there.
 XmlNode* get(XmlNode* node, std::initializer_list<Step> steps);
-// The same with an array; its last step has an empty or NULL name.
+// The same with an array; its last step has an empty name or none.
 XmlNode* get(XmlNode* node, const Step* steps);
 
 // Replaces the element's own text; child elements keep their places in it as far as it reaches. The
-// text is not copied: it must outlive the last use of the tree. Returns the node.
+// text is not copied: it must outlive the last use of the tree, unless kTextAllocated is set in the
+// node afterwards, which hands it over. nullptr stands for "". Returns the node.
 XmlNode* setText(XmlNode* node, const char* text);
 
 // Replaces an attribute's value, appends a new attribute, or removes it, however often the element
-// carries it, when the value is NULL. Name and value are not copied: they must outlive the last use
+// carries it, when the value is nullptr. Name and value are not copied: they must outlive the last use
 // of the tree, unless kAttributesAllocated was set in the node before the call, which hands both
 // over, the name of a removed attribute too. Returns the node.
 XmlNode* setAttr(XmlNode* node, const char* name, const char* value);
 
 // Makes a child without attributes and text that stands `off` bytes into the parent's text, behind
-// the children already there. The name is not copied. The document owns the new element, which is
-// returned.
+// the children already there. The name is not copied: it must outlive the last use of the tree,
+// unless kNameAllocated is set in the element afterwards, which hands it over. The document owns the
+// new element, which is returned.
 XmlNode* addChild(XmlNode* parent, const char* name, size_t off);
 
-// Takes an element with its subtree out of its parent's lists; the document still owns it. The root
-// stays where it is. Returns the node.
+// Takes an element with its subtree out of its parent's lists. It keeps its document, which still
+// owns it and answers for its defaults and error, and its `parent`. The root stays where it is, and
+// so does what was cut before. Returns the node.
 XmlNode* cut(XmlNode* node);
 
 // Writes the element and its subtree; for the root also the document's processing instructions, but
 // neither XML declaration, comments nor document type. A default declared for an element is written
 // as its attribute, in as many elements as there are: a small file may make a large text. Never
-// NULL; "" for NULL or a node without a name. The caller releases the text
+// nullptr; "" for no node or one without a name. The caller releases the text
 // with free(); `length`, when given, receives its length without the NUL.
 char* toXml(const XmlNode* node, size_t* length = nullptr);
 

@@ -22,6 +22,7 @@ TEST(Subset, Declares) {
            {"<!ENTITY e '<b>]>'>", "<a>&e;</a>", "<a>&lt;b&gt;]&gt;</a>"},
            {"<!ENTITY e '1\t2&#9;'>", "<a b='&e;'/>", "<a b=\"1 2&#x9;\"></a>"},
            {"<!ENTITY % p 'x'><!ENTITY e '%p;%q;100%'>", "<a>&e;</a>", "<a>x%q;100%</a>"},
+           {"<!ENTITY % lt 'x'><!ENTITY e '1%lt;2%lt;'>", "<a>&e;&lt;</a>", "<a>1x2x&lt;</a>"},
            {"<!ENTITY % p '<!ENTITY e \"v\"><!ATTLIST a b CDATA \"w\">'> %p;", "<a>&e;</a>",
             "<a b=\"w\">v</a>"},
            {"<!ENTITY % p 'b CDATA \"v\"'><!ATTLIST a %p; c CDATA 'w'>", "<a/>",
@@ -46,6 +47,51 @@ TEST(Subset, Declares) {
   }
 }
 
+// Several document types add up, wherever they stand. What stands behind an error says nothing.
+TEST(Subset, OfEveryDocumentTypeDeclares) {
+  struct Case {
+    const char *text, *want, *error;
+  };
+  for (const Case& c : std::initializer_list<Case>{
+           {"<!DOCTYPE a [<!ENTITY e '1'>]><!DOCTYPE a [<!ENTITY e '3'><!ENTITY f '&e;2'>]>"
+            "<a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'>]>&f;</a>",
+            "<a b=\"x\">12</a>", ""},
+           {"<!DOCTYPE a []><!DOCTYPE a [<!-- ]> --><!ENTITY e ' ]> '><?p ]> ?>] ><a>&e;</a>",
+            "<a> ]&gt; </a>", ""},
+           {"<!DOCTYPE a [<!E ' ]><!DOCTYPE a [<!-- ]><!ENTITY e '1'>]><a>&e;</a>", "",
+            "unclosed <!--"},
+           {"<!DOCTYPE a []><a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'><!ATTLIST a b>]><b/></a>",
+            "<a b=\"x\"></a>", "malformed <!ATTLIST"},
+           {"<a><!DOCTYPE a []><!DOCTYPE a [<!ATTLIST a ]><b/></a>", "<a></a>",
+            "unclosed <!ATTLIST"},
+           {"<a><!DOCTYPE a [<!ENTITY e '&e;'><!ATTLIST a b CDATA 'x'>]></a>", "<a></a>",
+            "circular entity declaration &e;"},
+           {"<a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'><!ENTITY e '&f;'>]><!DOCTYPE a [<!ENTITY f "
+            "'&e;'><!ATTLIST a c CDATA 'y'>]></a>",
+            "<a b=\"x\"></a>", "circular entity declaration &f;"},
+           {"<a><!DOCTYPE a [<!ENTITY x 'a long text, then the circle is not met at once'>"
+            "<!ENTITY y 'the same again, and again'><!ENTITY e '&f;'><!ATTLIST a b CDATA 'x'>"
+            "<!ENTITY f '&e;'><!ATTLIST a c CDATA 'y'><!ATTLIST d e CDATA 'y'>]></a>",
+            "<a b=\"x\"></a>", "circular entity declaration &f;"},
+       }) {
+    Parsed document(c.text);
+    EXPECT_EQ(document.error(),
+              *c.error == '\0' ? "" : std::string("[error near line 1]: ") + c.error)
+        << c.text;
+    EXPECT_EQ(written(document.node()), c.want) << c.text;
+  }
+}
+
+// What stands behind the circle would be half a mebibyte.
+TEST(Entities, EndWithTheDeclarationThatClosesACircle) {
+  Parsed document("<!DOCTYPE a [<!ENTITY % a '%a;%a;'><!ENTITY b '%a;'><!ENTITY % c '%b;'>]><a/>");
+  EXPECT_EQ(document.error(), "[error near line 1]: circular entity declaration &a;");
+  EXPECT_EQ(document->ent[10], nullptr);
+  Parsed general("<!DOCTYPE a [<!ENTITY b '&c;'><!ENTITY c '&b;'><!ENTITY d ''>]><a/>");
+  EXPECT_STREQ(general->ent[12], "c;");
+  EXPECT_EQ(general->ent[14], nullptr);
+}
+
 TEST(Subset, IsRefused) {
   for (const auto& [subset, error] : std::initializer_list<std::pair<const char*, const char*>>{
            {"<!ENTITY e '1&e;'>", "circular entity declaration &e;"},
@@ -53,7 +99,11 @@ TEST(Subset, IsRefused) {
             "circular entity declaration &g;"},
            {"<!ENTITY % p '%q;'><!ENTITY % q '%p;'>", "circular entity declaration &q;"},
            {"<!ENTITY e '&e;'><!ATTLIST a b>", "circular entity declaration &e;"},
+           {"<!ENTITY e '&f;'><!ENTITY f '&e;'><!ENTITY g ''>", "circular entity declaration &f;"},
            {"<!ATTLIST a b>", "malformed <!ATTLIST"},
+           {"<!ATTLIST a b CDATA>", "malformed <!ATTLIST"},
+           {"<!ATTLIST a b CDATA #>", "malformed <!ATTLIST"},
+           {"<!ATTLIST a b CDATA", "unclosed <!ATTLIST"},
            {"<!ATTLIST a b (p|q 'p'>", "malformed <!ATTLIST"},
            {"<!ATTLIST a b CDATA \"v>", "malformed <!ATTLIST"},
            {"<!ATTLIST a b/c CDATA ''>", "malformed <!ATTLIST"},
@@ -66,12 +116,16 @@ TEST(Subset, IsRefused) {
 }
 
 TEST(Defaults, AnswerAttr) {
-  Parsed document("<!DOCTYPE a [<!ATTLIST b c CDATA 'v'>]><a><b/><b c='w'/><d/></a>");
+  Parsed document(
+      "<!DOCTYPE a [<!ATTLIST b c CDATA 'v'><!ATTLIST d e ID 'x'>]><a><b/><b c='w'/><d/></a>");
   xml::XmlNode* b = xml::child(document.node(), "b");
   EXPECT_STREQ(xml::attr(b, "c"), "v");
   EXPECT_STREQ(xml::attr(xml::idx(b, 1), "c"), "w");
   EXPECT_EQ(xml::attr(xml::child(document.node(), "d"), "c"), nullptr);
+  EXPECT_STREQ(xml::attr(xml::child(document.node(), "d"), "e"), "x");
   EXPECT_STREQ(document->attr[0][3], " ");
+  EXPECT_STREQ(document->attr[1][3], "*");
+  EXPECT_EQ(document->attr[2], nullptr);
 }
 
 // Every level doubles the one before, to 10 GB; references past the bound stay as they are.
@@ -96,6 +150,7 @@ TEST(Instructions, KeepTheirSideAndTarget) {
   EXPECT_EQ(written(document.node()), "<?p 1?>\n<?p 2 ?>\n<?q?>\n<a></a>\n<?p 3?>\n<?q 4?>");
   EXPECT_STREQ(document->pi[0][5], "<<>");
   EXPECT_EQ(document->standalone, 0);
+  EXPECT_EQ(Parsed("<?xml standalone='nay'?><a/>")->standalone, 0);
 }
 
 }  // namespace

@@ -31,10 +31,14 @@ TEST(Tree, Elements) {
       {"\xEF\xBB\xBF<?xml version='1.0'?>\n<a></a>\n ", "a''"},
       {"<a>x<b>1</b>yz<c/>w</a>", "a'xyzw'[b'1'@1 c''@3]"},
       {"<!DOCTYPE a PUBLIC '[' \">\"><a>x<!-- - -- > -->y</a>", "a'xy'"},
+      {"<!DOCTYPE a SYSTEM \"[\" [] ><a/>", "a''"},
+      {"<a>1<x/>2<b>3<y/>4</b>5</a>", "a'125'[x''@1 b'34'[y''@1]@2]"},
       {"<a>x<![CDATA[<&amp;\r\n]]]>y</a>", "a'x<&amp;\r\n]y'"},
       {"<a>x<?p q?>y</a>", "a'xy'"},
       {"<a  b = \"1\"\tc='2' ><d /></a >", "a{b=1;c=2;}''[d''@0]"},
       {"<a b c=d e/>", "a{b=;c=;d=;e=;}''"},
+      {"<a bbbbbbbbbbbbbbbb='1' c='' d =\"\" e= \"x\" f =\n'>' g= h/>",
+       "a{bbbbbbbbbbbbbbbb=1;c=;d=;e=x;f=>;g=;h=;}''"},
       {"<a b='\"'c=\"'\"/>", "a{b=\";c=';}''"},
       {"<a><abcdefgh/><abcdefghi/><abcdefgh/><abcdefghijklmnopqrs>1</abcdefghijklmnopqrs></a>",
        "a''[abcdefgh''@0 abcdefghi''@0 abcdefgh''@0 abcdefghijklmnopqrs'1'@0]"},
@@ -64,6 +68,8 @@ TEST(Tree, Errors) {
       {"<a><b>x</b></c>", "a''[b'x'@0]", "unexpected closing tag </c>"},
       {"<a></ab>", "a''", "unexpected closing tag </ab>"},
       {"<a></b>0123456789abcdef", "a''", "unexpected closing tag </b>"},
+      {"<abc>x</a", "abc'x'", "unexpected closing tag </a>"},
+      {"<abc>x</abc", "abc'x'", "missing >"},
       {"</a>", "none", "markup outside of root element"},
       {"<![CDATA[x]]><a/>", "none", "markup outside of root element"},
       {"<a/><b/>", "a''", "markup outside of root element"},
@@ -128,6 +134,7 @@ TEST(Utf16, OfBothByteOrders) {
   for (const auto& [text, tree] : std::initializer_list<std::pair<std::u16string, const char*>>{
            {u"<\u00E9>\u20AC</\u00E9>", "\xC3\xA9'\xE2\x82\xAC'"},
            {u"<a>\xD83D\xDE00</a>", "a'\xF0\x9F\x98\x80'"},
+           {u"<a>\xD83D\xD83D\xDE00</a>", "a'\xEF\xBF\xBD\xF0\x9F\x98\x80'"},
            {u"<a>\xD83Dx</a>", "a'\xEF\xBF\xBDx'"},
            {u"<a>\xDE00\xDE00\xD83D</a>", "a'\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD'"},
            {u"<a/>\xD83D", "a''"}}) {
@@ -141,6 +148,18 @@ TEST(Utf16, OfBothByteOrders) {
       EXPECT_EQ(shown(Parsed(bytes + "x").node()), tree) << highFirst << " and an odd byte";
     }
   }
+}
+
+TEST(Utf16, GrowsByHalf) {
+  std::string bytes = "\xFF\xFE<";
+  bytes += std::string("\0a\0>\0", 5);
+  std::string want;
+  for (int i = 0; i < 100000; ++i) {
+    bytes += "\xAC\x20";
+    want += "\xE2\x82\xAC";
+  }
+  bytes += std::string("<\0/\0a\0>\0", 8);
+  EXPECT_TRUE(shown(Parsed(bytes).node()) == "a'" + want + "'");
 }
 
 // Deeper than a small stack lets calls be; run under `ulimit -s 256` as well.

@@ -107,10 +107,31 @@ TEST(Edit, Attributes) {
   EXPECT_EQ(shown(a).substr(0, 6), "a{x=y;");
   xml::setAttr(a, "x", nullptr);
   EXPECT_EQ(a->attr, none);
+  b->flags |= xml::kAttributesAllocated;
+  xml::setAttr(b, strdup("c"), strdup("own"));
+  xml::setAttr(b, b->attr[0], b->attr[1]);
+  EXPECT_EQ(shown(b), "b{c=own;e=4;}''");
   Parsed repeated("<a b='1' c='2' b='3' d='4'/>");
   xml::setAttr(repeated.node(), "b", nullptr);
   EXPECT_EQ(shown(repeated.node()), "a{c=2;d=4;}''");
   EXPECT_EQ(std::strlen(repeated.node()->attr[5]), 2U);
+}
+
+TEST(Edit, ManyAttributes) {
+  std::string tag = "<a";
+  for (int i = 0; i < 40; ++i) {
+    tag += " b" + std::to_string(i) + "='" + std::to_string(i) + "'";
+  }
+  Parsed document(tag + "/>");
+  xml::XmlNode* a = document.node();
+  EXPECT_EQ(std::string(a->attr[81]), std::string(40, ' '));
+  xml::setAttr(a, "b39", "x");
+  xml::setAttr(a, "c", "y");
+  xml::setAttr(a, "b0", nullptr);
+  EXPECT_EQ(std::string(a->attr[81]), std::string(40, ' '));
+  std::string text = written(a);
+  EXPECT_EQ(text.substr(0, 8), "<a b1=\"1");
+  EXPECT_EQ(text.substr(text.find("b38")), "b38=\"38\" b39=\"x\" c=\"y\"></a>");
 }
 
 // Copies that are handed over are released when replaced, removed, or with the document.
@@ -155,6 +176,10 @@ TEST(Edit, AddsAndCutsChildren) {
     EXPECT_EQ(groups(a), "b,b|c");
   }
   Parsed document(text);
+  xml::XmlNode* owner = xml::addChild(document.node(), strdup("handed"), 9);
+  owner->flags |= xml::kNameAllocated;
+  xml::cut(owner);
+  EXPECT_EQ(owner->parent, document.node());
   xml::cut(document.node()->child);
   EXPECT_EQ(written(document.node()), "<a>12<c></c>3<b></b>4</a>");
   EXPECT_EQ(groups(document.node()), "c|b");
