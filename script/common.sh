@@ -37,3 +37,15 @@ build_preset() (
     exit 1
   fi
 )
+
+# Builds the release preset's programs and the optical module, without tests unless script/test has
+# configured them. Shows what is compiled; arguments go to ninja.
+build_unit() (
+  cd "$root" && mkdir -p build || exit 1
+  tests=$(sed -n 's/^ONU_TESTS:BOOL=//p' build/release/CMakeCache.txt 2>/dev/null || true)
+  if ! cmake --preset release -DONU_TESTS="${tests:-OFF}" >build/release.log 2>&1; then
+    cat build/release.log >&2
+    exit 1
+  fi
+  cmake --build --preset release --target onu-cgi onu-init optical-module -- "$@"
+)
