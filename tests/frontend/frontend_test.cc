@@ -1,4 +1,4 @@
-// Requests as the web server hands them to the shipped executable.
+// Requests as the web server hands them to the shipped executable, and the pieces of their way.
 
 #include <cstdlib>
 #include <ctime>
@@ -10,51 +10,67 @@
 namespace onu::test {
 namespace {
 
-using Requests = Unit;
+constexpr std::size_t kMaxForm = std::size_t{1} << 20;  // bytes
 
-Request posted(const std::string& length, const std::string& body = "cmd_id=8") {
-  return {{{"REQUEST_METHOD", "POST"}, {"CONTENT_LENGTH", length}}, body};
+// A form that is announced with another length than its own.
+Request announced(const std::string& length, const std::string& body) {
+  Request request = post(body);
+  request.environment["CONTENT_LENGTH"] = length;
+  return request;
 }
 
-TEST_F(Requests, AreReadFromTheEnvironment) {
+}  // namespace
+
+TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
+  const std::string unknown = errorPage(404, "processor is not find");
+  const std::string refused = errorPage(400, "read request fail");
+  const std::string counters = reply("cmd_id=8");
+  struct Case {
+    Request request;
+    std::string reply;
+  };
   Request almostUpload = get("cmd_id=8");
   almostUpload.environment["CONTENT_TYPE"] = "multipart/form-";
-  for (const Request& request :
-       {almostUpload, post("cmd_id=8&action=1"), post("cmd_id=8&x=" + std::string(300000, 'y')),
-        posted("8", "cmd_id=8888"), posted("-1"), posted("99999999999999999999")}) {
-    EXPECT_EQ(cgi(request).out, reply("cmd_id=8")) << request.body.substr(0, 80);
-  }
-  std::vector<Request> unknown = {post(std::string("x=1\0&cmd_id=8", 13)),
-                                  posted("many"),
-                                  {{{"REQUEST_METHOD", "POST"}}, "cmd_id=8"},
-                                  {{{"REQUEST_METHOD", "GET"}}, ""},
-                                  {{{"REQUEST_METHOD", "PUT"}, {"QUERY_STRING", "cmd_id=8"}}, ""}};
+  std::vector<Case> cases = {
+      {almostUpload, counters},
+      {post("cmd_id=8&action=1"), counters},
+      {post("cmd_id=8&x=" + std::string(kMaxForm - 11, 'y')), counters},
+      {announced("8", "cmd_id=8888"), counters},
+      {announced("9", "cmd_id=8"), refused},
+      {announced("-1", "cmd_id=8"), refused},
+      {announced("99999999999999999999", "cmd_id=8"), refused},
+      {announced("many", "cmd_id=8"), unknown},
+      {post(std::string("x=1\0&cmd_id=8", 13)), unknown},
+      {{{{"REQUEST_METHOD", "POST"}}, "cmd_id=8"}, unknown},
+      {{{{"REQUEST_METHOD", "GET"}}, ""}, unknown},
+      {{{{"REQUEST_METHOD", "PUT"}, {"QUERY_STRING", "cmd_id=8"}}, ""}, unknown},
+      {{}, refused},
+  };
   for (const char* query : {"action=1", "cmd_id=0", "cmd_id=7", "cmd_id=9", "cmd_id=12",
                             "cmd_id=13", "cmd_id=15", "cmd_id=29", "cmd_id=31", "cmd_id=-8",
                             "cmd_id=abc", "cmd_id=4294967304", "cmd_id=&action=1"}) {
-    unknown.push_back(get(query));
+    cases.push_back({get(query), unknown});
   }
-  for (Request& request : unknown) {
-    const Outcome outcome = cgi(request);
-    EXPECT_EQ(outcome.out + outcome.err, errorPage(404, "processor is not find"))
-        << request.body << request.environment["QUERY_STRING"];
+  for (Case& c : cases) {
+    const Outcome outcome = cgi(c.request);
+    EXPECT_EQ(outcome.out, c.reply)
+        << c.request.body.substr(0, 80) << c.request.environment["QUERY_STRING"];
     EXPECT_EQ(outcome.status, 0);
   }
-  EXPECT_EQ(cgi({}).out, errorPage(400, "read request fail"));
+  // What cannot be read, and what is too long, which is not read at all: its pipe never ends.
+  EXPECT_EQ(shell(std::string(kCgi) + " </etc", post("cmd_id=8")).out, refused);
+  const std::string endless = std::string("mkfifo /tmp/p; timeout 9 ") + kCgi + " <>/tmp/p";
+  EXPECT_EQ(shell(endless, announced(std::to_string(kMaxForm + 1), "")).out, refused);
 }
 
-TEST_F(Requests, SurviveAClosedOutput) {
-  const Request request = get("cmd_id=19&pwdold=admin&pwdnew=b");
-  EXPECT_EQ(shell(std::string(kCgi) + " >&-", request).status, 0);
+TEST_F(Unit, RequestsSurviveAClosedOutput) {
+  EXPECT_EQ(shell(std::string(kCgi) + " >&-", get("cmd_id=19&pwdold=admin&pwdnew=b")).status, 0);
   EXPECT_EQ(reply("cmd_id=1&username=admin&password=b"), json("0"));
 }
 
-TEST(Query, GetParamTakesTheFirstOccurrence) {
-  struct Case {
-    const char *text, *name, *want;
-  };
-  for (const Case& c : {
-           Case{"cmd_id=6&action=1", "action", "1"},
+TEST(Query, TakesTheFirstOccurrence) {
+  for (const auto& [text, name, want] : std::vector<std::array<std::string, 3>>{
+           {"cmd_id=6&action=1", "action", "1"},
            {"cmd_id=6", "ip", ""},
            {"cmd_id=6", "", ""},
            {"ip=&mask=1", "ip", ""},
@@ -66,30 +82,27 @@ TEST(Query, GetParamTakesTheFirstOccurrence) {
            {"name=a%20b+c", "name", "a%20b+c"},
        }) {
     ParsedQuery query;
-    parseQuery(query, c.text);
-    EXPECT_EQ(getParam(query, c.name), c.want) << c.name << " in " << c.text;
+    parseQuery(query, text);
+    EXPECT_EQ(getParam(query, name), want) << name << " in " << text;
   }
 }
 
-TEST(Query, ParseTakesTheNumbers) {
-  struct Case {
-    const char* text;
-    std::int32_t command, action;  // -7 and -8 are kept
-  };
-  for (const Case& c : {
-           Case{"action=1&cmd_id=2", 2, 1},
-           {"", -7, -8},
-           {"cmd_id=&action=1", -7, 1},
-           {"cmd_id=12abc&action=abc", 12, 0},
-           {"xcmd_id=3&transaction=5&action=1", 3, 5},
-           {"cmd_id= \t+4&action=-2", 4, -2},
-           {"cmd_id=4294967304&action=-99999999999999999999", INT32_MAX, INT32_MIN},
+TEST(Query, TakesTheNumbers) {
+  for (const auto& [text, numbers] : std::map<std::string, std::array<std::int32_t, 2>>{
+           // -7 and -8 are kept
+           {"action=1&cmd_id=2", {2, 1}},
+           {"", {-7, -8}},
+           {"cmd_id=&action=1", {-7, 1}},
+           {"cmd_id=12abc&action=abc", {12, 0}},
+           {"xcmd_id=3&transaction=5&action=1", {3, 5}},
+           {"cmd_id= \t+4&action=-2", {4, -2}},
+           {"cmd_id=4294967304&action=-99999999999999999999", {INT32_MAX, INT32_MIN}},
        }) {
     ParsedQuery query{-7, -8, ""};
-    parseQuery(query, c.text);
-    EXPECT_EQ(query.commandNumber, c.command) << c.text;
-    EXPECT_EQ(query.action, c.action) << c.text;
-    EXPECT_EQ(query.text, c.text);
+    parseQuery(query, text);
+    EXPECT_EQ(query.commandNumber, numbers[0]) << text;
+    EXPECT_EQ(query.action, numbers[1]) << text;
+    EXPECT_EQ(query.text, text);
   }
 }
 
@@ -124,5 +137,4 @@ TEST(CgiLog, KeepsTheNewestTwoMebibytes) {
   EXPECT_EQ(readFile(kLog).size(), 2097153U);
 }
 
-}  // namespace
 }  // namespace onu::test

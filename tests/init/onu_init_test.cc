@@ -13,9 +13,9 @@ const std::string kTitle = "\n\n  ***** Init Tevo Prameters **** \n";
 const std::string kFactoryIp = kTitle + " IP = 192.168.1.1\n";
 const std::string kIp = kTitle + " IP = 10.1.2.3\n";
 const std::string kMac = "00:11:22:33:44:55";
-const Texts kUp = {"ifconfig eth0 192.168.1.1  netmask 255.255.255.0 up",
-                   "ifconfig eth0 10.1.2.3 netmask 255.0.0.0 up",
-                   "fw_printenv mv_pon_addr >/tmp/mac.txt ", "rm /tmp/mac.txt"};
+const std::string kFactoryUp = "ifconfig eth0 192.168.1.1  netmask 255.255.255.0 up|";
+const std::string kAsk = "fw_printenv mv_pon_addr >/tmp/mac.txt |rm /tmp/mac.txt";
+const std::string kUp = kFactoryUp + "ifconfig eth0 10.1.2.3 netmask 255.0.0.0 up|" + kAsk;
 
 class Init : public Unit {
  protected:
@@ -32,13 +32,12 @@ class Init : public Unit {
 };
 
 TEST_F(Init, ReplacesThePlaceholderAndReboots) {
+  const std::string commands =
+      kUp + "|fw_setenv mv_pon_addr  " + kMac + "|/sbin/reboot|" + kUp;  // and starts anew
   for (const char* mac : {"00:50:43:02:00:00", "00:50:43:12:34:56", "00:50:43"}) {
     writeFile(kSettings, settings(kMac));
     const Outcome outcome = initWith(mac);
-    Texts commands = kUp;
-    commands.insert(commands.end(), {"fw_setenv mv_pon_addr  " + kMac, "/sbin/reboot"});
-    commands.insert(commands.end(), kUp.begin(), kUp.end());  // after the reboot
-    EXPECT_EQ(outcome.commands, commands) << mac;
+    EXPECT_EQ(outcome.commands, split(commands, '|')) << mac;
     EXPECT_EQ(outcome.out, kIp + kIp);
     EXPECT_EQ(bootloaderMac(), "mv_pon_addr=" + kMac + "\n");
     EXPECT_EQ(readFile(kSettings), settings(kMac));
@@ -46,22 +45,20 @@ TEST_F(Init, ReplacesThePlaceholderAndReboots) {
 }
 
 TEST_F(Init, TakesAnyOtherAddressIntoTheSettings) {
-  struct Case {
-    std::string bootloader, settings, want;  // in the settings afterwards; empty: nothing written
-  };
-  for (const Case& c : {
-           Case{kMac, "00:AA:BB:CC:DD:EE", kMac},
+  // In the bootloader environment, in the settings, and there afterwards: empty if not written.
+  for (const auto& [mac, old, want] : std::vector<std::array<std::string, 3>>{
+           {kMac, "00:AA:BB:CC:DD:EE", kMac},
            {kMac, kMac, ""},
            {"00:aa:bb:cc:dd:ee", "00:AA:BB:CC:DD:EE", "00:aa:bb:cc:dd:ee"},
            {kMac + ":66", "x", kMac},
            {"a=b=c", "x", "a=b=c"},
        }) {
-    const std::string before = settings(c.settings) + "<!-- c -->";
+    const std::string before = settings(old) + "<!-- c -->";
     writeFile(kSettings, before);
-    const Outcome outcome = initWith(c.bootloader);
-    EXPECT_EQ(outcome.out, kIp + (c.want.empty() ? "" : " onu mac address  = " + c.want + "\n"));
-    EXPECT_EQ(readFile(kSettings), c.want.empty() ? before : settings(c.want)) << c.bootloader;
-    EXPECT_EQ(outcome.commands, kUp) << c.bootloader;
+    const Outcome outcome = initWith(mac);
+    EXPECT_EQ(outcome.out, kIp + (want.empty() ? "" : " onu mac address  = " + want + "\n"));
+    EXPECT_EQ(readFile(kSettings), want.empty() ? before : settings(want)) << mac;
+    EXPECT_EQ(outcome.commands, split(kUp, '|')) << mac;
   }
 }
 
@@ -71,7 +68,7 @@ TEST_F(Init, StandsUnreadableSettingsAndNoListener) {
   EXPECT_EQ(outcome.out, kFactoryIp + " onu mac address  = " + kMac + "\n");
   EXPECT_FALSE(exists(kSettings));
   EXPECT_EQ(outcome.status, 0);
-  EXPECT_EQ(outcome.commands, (Texts{kUp[0], kUp[2], kUp[3]}));
+  EXPECT_EQ(outcome.commands, split(kFactoryUp + kAsk, '|'));
   EXPECT_EQ(shell("/usr/sbin/onu-init | :; sleep 1").commands, outcome.commands)
       << "nobody listens";
 }
@@ -97,19 +94,24 @@ TEST_F(Init, StopsWithoutABootloaderAddress) {
 
 TEST_F(Init, StoresTheAddressItIsGiven) {
   writeFile(kSettings, settings("x"));
+  const std::string copy =
+      "|cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/";
   const Outcome outcome = init({kMac});
   EXPECT_EQ(outcome.out, kTitle + "mv_pon_addr =" + kMac + "\n");
-  EXPECT_EQ(outcome.commands, (Texts{"fw_setenv mv_pon_addr  " + kMac,
-                                     "cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  "
-                                     "/var/tevo/website/www/xml/"}));
+  EXPECT_EQ(outcome.commands, split("fw_setenv mv_pon_addr  " + kMac + copy, '|'));
   EXPECT_EQ(readFile(kSettings), readFile("/factory/var/tevo/xml_default/tevo_xml_cfg_file.xml"));
   EXPECT_EQ(bootloaderMac(), "mv_pon_addr=" + kMac + "\n");
 
-  writeFile(kSettings, "<cfg><ipInfo/></cfg>");
-  const Outcome failed = init({"a"});
-  EXPECT_EQ(failed.out, kTitle + "set mac address   fail\nmv_pon_addr =a\n");
-  EXPECT_EQ(failed.commands, Texts{"fw_setenv mv_pon_addr  a"});
-  EXPECT_EQ(init({"a", "b"}).commands.front(), kUp.front()) << "two arguments: a normal run";
+  // The factory's settings are not copied over those that do not take the address.
+  for (const auto& [text, message] : std::map<std::string, std::string>{
+           {"<cfg><ipInfo/></cfg>", "set mac address   fail\n"}, {"<cfg/>", ""}}) {
+    writeFile(kSettings, text);
+    const Outcome failed = init({"a"});
+    EXPECT_EQ(failed.out, kTitle + message + "mv_pon_addr =a\n");
+    EXPECT_EQ(failed.commands, Texts{"fw_setenv mv_pon_addr  a"});
+    EXPECT_EQ(readFile(kSettings), text);
+  }
+  EXPECT_EQ(init({"a", "b"}).out.find(kFactoryIp), 0U) << "two arguments: a normal run";
 }
 
 }  // namespace

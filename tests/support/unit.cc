@@ -14,19 +14,6 @@
 
 namespace onu::test {
 namespace fs = std::filesystem;
-namespace {
-
-// The pieces of a record, each of which ends with a zero byte.
-Texts record(const std::string& name) {
-  std::istringstream text(readFile("/record/" + name));
-  Texts pieces;
-  for (std::string piece; std::getline(text, piece, '\0');) {
-    pieces.push_back(piece);
-  }
-  return pieces;
-}
-
-}  // namespace
 
 Request get(const std::string& query) {
   return {{{"REQUEST_METHOD", "GET"}, {"QUERY_STRING", query}}, ""};
@@ -71,6 +58,15 @@ void writeFile(const std::string& path, const std::string& text) {
   file << text;
   file.close();
   ASSERT_TRUE(file.good()) << "cannot write " << path;
+}
+
+Texts split(const std::string& text, char end) {
+  std::istringstream rest(text);
+  Texts pieces;
+  for (std::string piece; std::getline(rest, piece, end);) {
+    pieces.push_back(piece);
+  }
+  return pieces;
 }
 
 bool exists(const std::string& path) { return fs::exists(fs::symlink_status(path)); }
@@ -125,8 +121,8 @@ Outcome Unit::run(const std::string& program, Texts arguments, const Request& re
   outcome.out = readFile(path(STDOUT_FILENO));
   outcome.err = readFile(path(STDERR_FILENO));
   std::for_each(std::begin(streams), std::end(streams), ::close);
-  outcome.commands = record("commands");
-  outcome.scripts = record("clish");
+  outcome.commands = split(readFile("/record/commands"), '\0');
+  outcome.scripts = split(readFile("/record/clish"), '\0');
   return outcome;
 }
 

@@ -36,6 +36,7 @@ std::string errorPage(int code, const std::string& message);
 
 std::string readFile(const std::string& path);                     // empty when it cannot be read
 void writeFile(const std::string& path, const std::string& text);  // makes the folders it needs
+Texts split(const std::string& text, char end);  // the pieces, less the character that ends each
 bool exists(const std::string& path);
 
 // A test that runs the shipped executables inside the private root. Every test starts with the

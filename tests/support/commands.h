@@ -1,9 +1,5 @@
 #pragma once
 
-#include <map>
-#include <string>
-#include <vector>
-
 #include "tests/support/unit.h"
 
 namespace onu::test {
@@ -15,19 +11,26 @@ struct OddText {
   std::string asText = "&lt;a b='c'&gt;]]&gt; \"%0A+\n;" + std::string(65536, 'x');
   std::string asAttribute = "&lt;a b='c'&gt;]]&gt; &quot;%0A+&#xA;;" + std::string(65536, 'x');
 };
+inline const OddText kOdd;
+
+// The files written where a script goes through the command shell, and such a script in its usual
+// view.
+inline const std::string kRun = "TempFile commands clish commands ";
+inline std::string eoam(const std::string& line) { return "eoam\n" + line + "\n\nquit\n"; }
 
 // A request to a unit with settings, and all that it leaves behind.
-struct SettingsCase {
+struct Case {
   std::string query;
-  std::string reply;
+  std::string reply;  // the body of a reply, or the whole of another page; nothing for none
   // The files written, in order, each followed by a blank: "tevo" and the like are settings,
   // "commands" is a command given to the shell, "clish" a script fed to clish.
   std::string written = {};
-  Texts changes = {};  // in the settings: from the first text to the second, and so on
-  Texts runs = {};     // scripts fed to clish, else commands given to the shell
+  std::string changes = {};  // in the settings: "from|to|from|to"
+  std::string runs = {};     // scripts fed to clish, else commands given to the shell: "one|other"
 };
 
-class SettingsUnit : public Unit {
+// Commands on units with settings of the test's own.
+class Commands : public Unit {
  public:
   using Files = std::map<std::string, std::string>;  // settings files by name
   static constexpr const char* kAbsent = "absent";   // instead of the content of a file
@@ -36,10 +39,10 @@ class SettingsUnit : public Unit {
 
   // Checks each case on a unit with settings in which every value is a text of its own, of two
   // ports and ten queues, but where `other` has a file.
-  static void check(const std::vector<SettingsCase>& cases, const Files& other = {});
+  static void check(const std::vector<Case>& cases, const Files& other = {});
 
   // The same where groups are empty, where there are none, where no file is one, without the files.
-  static void checkWithoutValues(const std::vector<SettingsCase>& cases);
+  static void checkWithoutValues(const std::vector<Case>& cases);
 };
 
 }  // namespace onu::test

@@ -1,0 +1,103 @@
+"""Saves of which one call fails, that are killed, or that find their new file's name taken."""
+
+import collections
+import os
+import re
+
+from calls import failing
+from saves import damage, in_peace
+from unit import SAVES, Request, incomplete, names, read, reset, settings, write
+
+
+def calls_of_a_save(query):
+    """The calls from the first opening of a settings file for writing on: name, number among those
+    of its name, whether it is such an opening. Those that get memory or write the reply are left
+    out."""
+    trace = "/record/trace"
+    Request(query).run("/usr/bin/strace", "-qq", "-o", trace)
+    counts, calls, saving = collections.Counter(), [], False
+    for line in read(trace).splitlines():
+        call = line.partition("(")[0]
+        counts[call] += 1
+        opens = re.search(r'\.xml", O_(WR|RDWR)', line) is not None
+        saving = saving or opens
+        other = r"mmap|munmap|brk|exit|wait|clone|v?fork|rt_|---|\+\+\+|write\(1,"
+        if saving and not re.match(other, line):
+            calls.append((call, counts[call], opens))
+    return calls
+
+
+def leftovers(query):
+    """The new files that are there while the query saves, by killing it before they get their
+    name."""
+    before = names()
+    failing(Request(query), "/^rename", "SIGKILL", 1)
+    return names() - before
+
+
+def put_file(path):
+    write(path, "left by another" * 2000)
+
+
+def put_unreadable(path):
+    put_file(path)
+    os.chmod(path, 0)
+
+
+def put_link(path):
+    write("/elsewhere/victim", "untouched")
+    os.symlink("/elsewhere/victim", path)
+
+
+def stage_save_calls(options):
+    """each call of every save fails in turn, in five ways, or is the last one of a killed process;
+    something lies where the new file should: whole files, nothing left behind"""
+    wrong, found, runs = [], collections.Counter(), 0
+    for query in SAVES[::3] if options.quick else SAVES:
+        peace, after, _ = in_peace(query)
+        reset()
+        before = settings()
+        whole = names()
+
+        stated = peace.reply, peace.status
+        # Commands 5 and 23 save more than once: some of it may be done, and the reply another.
+        several = re.match("cmd_id=(5|23)&", query)
+
+        def check(label, outcome, old, left=None):
+            nonlocal runs
+            runs += 1
+            faults = incomplete() if several else damage(before, after, old)
+            if names() != (left or whole):
+                faults.append(f"left behind: {names() ^ (left or whole)}")
+            if outcome and not several and (outcome.reply, outcome.status) != stated:
+                faults.append(f"{outcome}")
+            wrong.extend(f"{query}: {label}: {fault}" for fault in faults)
+            found[label.partition(" ")[0]] += bool(faults)
+
+        for call, when, opens in calls_of_a_save(query):
+            for error in ("ENOSYS", "EPERM", "EIO", "EINTR", "ENOSPC"):
+                reset()
+                outcome = failing(Request(query), call, error, when)
+                # A file that cannot be opened keeps its text, and so does one without room.
+                check(f"{error} of {call} {when}", outcome, opens or error == "ENOSPC")
+            reset()
+            failing(Request(query), call, "SIGKILL", when)
+            check(f"SIGKILL at {call} {when}", None, True, names())
+            Request(query).run()
+            check("save after it", None, True)
+        reset()
+        new_files = leftovers(query)
+        if not new_files:
+            wrong.append(f"{query}: no new file is made")
+            found["no new file"] += 1
+        for put in (put_file, put_unreadable, os.mkdir, put_link):
+            for path in new_files:
+                reset()
+                put(path)
+                outcome = Request(query).run()
+                check(f"{put.__name__} in the place of {path}", outcome, False,
+                      names() if put in (os.mkdir, put_link) else None)
+                if put is put_link and read("/elsewhere/victim") != "untouched":
+                    wrong.append(f"{query}: writes through a link in the place of {path}")
+    print(f"  {runs} saves; wrong: {dict(+found) or 'none'}")
+    return wrong

@@ -1,0 +1,108 @@
+// Commands 26, 27, 28 and 30: scheduling, queues, storm limit.
+
+#include "tests/support/commands.h"
+
+namespace onu::test {
+namespace {
+
+// An object with the values of eight queues, each `letter` and its number.
+std::string queues(const std::string& key, const std::string& letter) {
+  std::string text = "{";
+  for (const char queue : std::string("01234567")) {
+    text += key + queue + ":\"" + (letter.empty() ? "" : letter + queue) + "\",";
+  }
+  text.back() = '}';
+  return text;
+}
+
+// The commands of one limit, in both directions.
+std::string limit(const std::string& words, const std::string& file) {
+  const std::string rest =
+      " UNI_ANY " + words + " 1536 > /sys/devices/platform/tpm/cfg_traffic/" + file;
+  return "echo 0 us" + rest + "|echo 0 ds" + rest;
+}
+
+}  // namespace
+
+TEST_F(Commands, Queues) {
+  struct Command {
+    std::string number, parameter, key;
+    std::string value;  // in the file, without the number of its queue
+  };
+  for (const auto& [number, parameter, key, value] :
+       {Command{"27&que_id=", "&usr_pri=", "queue", "w"},
+        {"28&voq_dir=1&voq_id=", "&voq_thresh=", "size", "s"},
+        {"28&voq_dir=00&voq_id=", "&voq_thresh=", "size", "s"},
+        {"28&voq_dir=0&voq_id=", "&voq_thresh=", "size", "r"}}) {
+    const std::string set = "action=1&cmd_id=" + number;
+    check({{"cmd_id=" + number, queues(key, value)},
+           {set + "4" + parameter + value + "4", "0", "tpm "},
+           {"action=2&cmd_id=" + number + "0", ""}});
+    checkWithoutValues({{"cmd_id=" + number, "error"}, {set + "0" + parameter + "1", "1"}});
+    for (const auto& [id, queue] : std::map<std::string, std::string>{
+             {"0", "0"}, {"7", "7"}, {"9", "9"}, {"abc", "0"}, {"3<\"\n", "3"}}) {
+      check({{set + id + parameter + kOdd.text, "0", "tpm ",
+              "\"" + value + queue + "|\"" + kOdd.asAttribute}});
+    }
+    for (const char* id : {"10", "-1", "4294967297", "99999999999999999999", "-9999999999"}) {
+      check({{set + id + parameter + "5", "1"}});
+    }
+  }
+}
+
+TEST_F(Commands, Scheduling) {
+  const std::string set = "cmd_id=26&action=1&algo_mode=";
+  checkWithoutValues({{"cmd_id=26", "error"}, {set + "1", "0"}});
+  check({{"cmd_id=26", "{algo_mode:\"m\"}"},
+         {set + kOdd.text, "0", "tpm ", "\"m\"|\"" + kOdd.asAttribute + "\""},
+         {set + "m", "0", "tpm "},
+         {"cmd_id=26&action=2&algo_mode=1", ""}});
+
+  const std::string start = "<t><port_init><tx_module_parameters><tx_mod></tx_mod>";
+  const std::string queue = "<tx_mod><queue_map><queue weight=\"1\"></queue>";
+  const std::string end = "</queue_map></tx_mod></tx_module_parameters></port_init></t>";
+  check({{"cmd_id=27&action=1&que_id=1&usr_pri=2", "0", "tpm ",
+          "<queue></queue>|<queue weight=\"2\"></queue>"}},
+        {{"tpm", start + "<tx_mod></tx_mod>" + queue + "<o></o><queue></queue>" + end}});
+  // One module too few: nothing is found, and the method is stored nowhere.
+  check({{"cmd_id=27&action=1&que_id=0&usr_pri=2", "1"},
+         {"cmd_id=27", queues("queue", "")},
+         {set + "1", "0", "tpm "}},
+        {{"tpm", start + queue + end}});
+}
+
+TEST_F(Commands, StormLimit) {
+  const std::string queueFile = "rate_limit_queue_set";
+  const std::string interfaceFile = "rate_limit_if_set";
+  const std::string toQueue = "commands rate_limit_queue_set commands rate_limit_queue_set ";
+  const std::string toInterface = "commands rate_limit_if_set commands rate_limit_if_set ";
+  const std::string off = limit("1 1048568", queueFile) + "|" + limit("7 1048568", queueFile) +
+                          "|" + limit("1048568", interfaceFile);
+  const std::string set = "cmd_id=30&action=1&bs=";
+  const auto port = [](const std::string& mode, const std::string& rate) {
+    return "\"b0\"|\"" + mode + "\"|\"t0\"|\"" + rate + "\"";
+  };
+  const std::string big(65536, '6');
+  checkWithoutValues({{"cmd_id=30", "[]"}, {set + "4&bs_thresh=5", "1"}});
+  check({
+      {"cmd_id=30&action=0", R"([{bc_mode:"b0",rate:"t0"}])"},
+      {set + "0&bs_thresh=512", "0", toQueue + "tevo ", port("0", "512"),
+       limit("1 512", queueFile)},
+      {set + "1&bs_thresh=" + big, "0", toQueue + "tevo ", port("1", big),
+       limit("7 " + big, queueFile)},
+      {set + "2&bs_thresh=%20\\", "0", toInterface + "tevo ", port("2", "%20\\"),
+       limit(" %20\\", interfaceFile)},
+      {set + "3&bs_thresh=512", "0", toQueue + toQueue + toInterface + "tevo ", port("3", "512"),
+       off},
+      {set + "0", "0", toQueue + "tevo ", port("0", "t0"), limit("1 ", queueFile)},
+      // The shell prints to the page what a line feed cuts off, and stops where it understands
+      // nothing.
+      {set + "0&bs_thresh=1\n2", "0 us UNI_ANY 1 1\n0 ds UNI_ANY 1 1\n" + json("0"),
+       toQueue + "tevo ", port("0", "1&#xA;2"), limit("1 1\n2", queueFile)},
+      {set + "1&bs_thresh=(", "0", "commands tevo ", port("1", "("), limit("7 (", queueFile)},
+      {set + "b0&bs_thresh=" + kOdd.text, "0", "tevo ", port("b0", kOdd.asAttribute)},
+      {"cmd_id=30&action=2&bs=0", ""},
+  });
+}
+
+}  // namespace onu::test

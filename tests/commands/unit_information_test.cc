@@ -1,0 +1,94 @@
+// Command 2.
+
+#include <filesystem>
+
+#include "tests/support/commands.h"
+
+namespace onu::test {
+namespace {
+
+// Whether the reply to command 2 has this piece of text.
+void expectInReply(const std::string& want, const std::string& label) {
+  const std::string out = Unit::reply("cmd_id=2");
+  EXPECT_NE(out.find(want), std::string::npos) << label << ": " << want << " in " << out;
+}
+
+}  // namespace
+
+TEST_F(Commands, UnitInformation) {
+  check({{"cmd_id=2&action=1&port=1",
+          R"({afec_ability:"fa",app_ver:"S"1",capabi_battery_backup:"0",)"
+          R"(capabi_ds_que_num:"4",capabi_fe_bitmap:"0x0e",capabi_fe_num:"3",)"
+          R"(capabi_ge_bitmap:"0x01",capabi_ge_num:"1",capabi_max_ds_queue:"4",)"
+          R"(capabi_max_us_queue:"8",capabi_pots_num:"0",capabi_service_supported:"GE",)"
+          R"(capabi_us_que_num:"8",chipset_chip_model:"6510",chipset_ic_ver:"2019/05/20",)"
+          R"(chipset_rev:"a2",chipset_vendor_id:"5443",fec_mode:"fm",llid:"0x0005",)"
+          R"(onu_fm_ver:"02.00.0e",onu_hw_ver:"V1.2",onu_id:"021020304050",)"
+          R"(onu_ip:"192.168.1.1",onu_mac:"02:10:20:30:40:50",onu_model:"T143",)"
+          R"(onu_netmask:"255.255.255.0",onu_soft_ver:"V2.0.14",onu_vendor_id:"TEVO",)"
+          R"(reg_st:"1",type:"M"})"}});
+}
+
+TEST_F(Commands, UnitInformationEndsAtAShortMac) {
+  writeFile(kSettings, "<c><ipInfo><onu_mac>0011223344556</onu_mac></ipInfo></c>");
+  const Outcome outcome = cgi(get("cmd_id=2"));
+  EXPECT_EQ(outcome.out + outcome.err.substr(0, 9), "onu-cgi: ");
+  EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+  EXPECT_EQ(outcome.status, 1);
+  checkWithoutValues({{"cmd_id=2", ""}});
+}
+
+// What the profile has in hexadecimal, with no length or digit to rely on.
+TEST_F(Commands, ProfileValues) {
+  struct Value {
+    std::string value;
+    const char *date, *bare, *version;
+  };
+  for (const Value& c : {
+           Value{"0x130514", "2019/05/20", "130514", "13.05.14"},
+           {"0xFFfEaBcc", "2255/254/171", "FFfEaBcc", "FF.fE.aB.cc"},
+           {"0x190929", "2025/09/41", "190929", "19.09.29"},
+           {"0x1g05-1", "2001/05/00", "1g05-1", "1g.05.-1"},
+           {"0x130", "2019/00/00", "130", "13.0"},
+           {"0", "2000/00/00", "", ""},
+           {"0x1111111111111111111111", "2017/17/17", "1111111111111111111111",
+            "11.11.11.11.11.11.11.11.11.11.1"},
+       }) {
+    std::string profile = "<p><Vendor>";
+    for (const char* name : {"Chip version", "Chip revision", "Firmware version"}) {
+      profile += std::string("<attrib name='") + name + "' value='" + c.value + "'/>";
+    }
+    // An entry without a value, and one without a name, end their groups.
+    writeFile(kProfile,
+              profile +
+                  "<attrib name='SW version'/><attrib name='HW version' value='x'/></Vendor>"
+                  "<Capability><attrib name='Battery backup support capability' value='1'/>"
+                  "<attrib value='0'/><attrib name='POTS port number' value='2'/>");
+    for (const std::string& want :
+         {std::string("battery_backup:\"1\""), std::string("pots_num:\"\""),
+          std::string("ic_ver:\"") + c.date + "\",chipset_rev:\"" + c.bare + "\"",
+          std::string("fm_ver:\"") + c.version + "\",onu_hw_ver:\"\""}) {
+      expectInReply(want, c.value);
+    }
+  }
+}
+
+TEST_F(Commands, LinkIsReadPerLine) {
+  const std::string info = "/sys/devices/platform/epon/info/infoEpon";
+  for (const auto& [file, want] : std::map<std::string, Texts>{
+           {"[abcdActive B C D E F]\n", {"E", "1"}},
+           {"x\n[abcdactive B C D E F G]\n", {"E", "0"}},
+           {"[abcdAct B C D E F]\n[abcd  ive 2 3 4 5]\n", {"E5", "1"}},
+           {"[abcdActive B C]\n", {"", "1"}},
+           {"", {"", "0"}},
+       }) {
+    writeFile(info, file);
+    expectInReply(",llid:\"" + want[0] + "\",", file);
+    expectInReply(",reg_st:\"" + want[1] + "\",", file);
+  }
+  std::filesystem::remove(info);
+  std::filesystem::remove(kProfile);
+  expectInReply("llid:\"\",onu_fm_ver:\"\",", "no files");
+}
+
+}  // namespace onu::test

@@ -1,0 +1,99 @@
+// What a command leaves of a settings file that is hard to write.
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/support/unit.h"
+
+namespace onu::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kSet = "cmd_id=20&pwdold=user&pwdnew=";
+
+// The settings with another password.
+std::string with(std::string settings, const std::string& password) {
+  return settings.replace(settings.find("<user>user<"), 11, "<user>" + password + "<");
+}
+
+class Saves : public Unit {
+ protected:
+  // The settings as the tree writes them, of exactly `size` bytes where that is given.
+  static std::string start(std::size_t size = 0) {
+    reply("cmd_id=30&action=1&bs=7");
+    std::string text = readFile(kSettings);
+    text.insert(text.size() - 7, std::string(size == 0 ? 0 : size - text.size(), ' '));
+    writeFile(kSettings, text);
+    return text;
+  }
+};
+
+}  // namespace
+
+TEST_F(Saves, ReplaceTheFileThatALinkNames) {
+  const std::string before = start();
+  fs::create_directory("/etc/elsewhere");
+  fs::rename(kSettings, "/etc/elsewhere/settings");
+  fs::permissions("/etc/elsewhere/settings", fs::perms(0640));
+  fs::create_symlink("/etc/elsewhere/settings", kSettings);
+  const int watched = ::open(kSettings, O_RDONLY);
+  EXPECT_EQ(reply(kSet + "new"), json("0"));
+  EXPECT_TRUE(fs::is_symlink(kSettings));
+  EXPECT_EQ(readFile("/etc/elsewhere/settings"), with(before, "new"));
+  EXPECT_EQ(fs::status(kSettings).permissions(), fs::perms(0640));
+  EXPECT_EQ(readFile("/proc/self/fd/" + std::to_string(watched)), before) << "not beside it";
+  ::close(watched);
+  EXPECT_EQ(std::distance(fs::directory_iterator("/etc/elsewhere"), {}), 1);
+}
+
+TEST_F(Saves, KeepWhatCannotBeWritten) {
+  const std::string before = start();
+  fs::permissions(kSettings, fs::perms::owner_read);
+  EXPECT_EQ(reply(kSet + "new"), json("0"));
+  EXPECT_EQ(readFile(kSettings), before);
+  fs::permissions(kSettings, fs::perms::owner_all);
+
+  fs::permissions(fs::path(kSettings).parent_path(), fs::perms(0555));
+  EXPECT_EQ(reply(kSet + "new"), json("0"));
+  EXPECT_EQ(readFile(kSettings), with(before, "new")) << "without a new file beside it";
+  fs::permissions(fs::path(kSettings).parent_path(), fs::perms(0755));
+}
+
+TEST_F(Saves, KeepTheOldTextOnAFullDisk) {
+  const std::string before = start(8192);
+  fs::remove(kSettings);
+  fs::create_symlink("/small/settings", kSettings);
+  writeFile("/small/settings", before);
+  std::ofstream("/small/filler") << std::string(70000, 'x');  // as much as fits
+  for (const std::size_t size : {1, 4, 4096}) {
+    EXPECT_EQ(reply(kSet + std::string(size, 'p')), json("0"));
+    EXPECT_EQ(readFile(kSettings), before) << size;
+    EXPECT_EQ(std::distance(fs::directory_iterator("/small"), {}), 2);
+  }
+  fs::remove("/small/filler");
+  EXPECT_EQ(reply(kSet + "pppp"), json("0"));
+  EXPECT_EQ(readFile(kSettings), with(before, "pppp"));
+}
+
+// A file cut anywhere is read as far as it goes, and never written back as less than a document.
+TEST_F(Saves, MakeADocumentOfATruncatedFile) {
+  const std::string whole = readFile(kSettings);
+  int rewritten = 0;
+  for (std::size_t size = 0; size < whole.size(); size += 37) {
+    const std::string cut = whole.substr(0, size);
+    for (const char* query : {"cmd_id=20&pwdold=user&pwdnew=n", "cmd_id=30&action=1&bs=7"}) {
+      writeFile(kSettings, cut);
+      EXPECT_EQ(cgi(get(query)).status, 0) << query << size;
+      const std::string after = readFile(kSettings);
+      EXPECT_TRUE(after == cut || after.rfind("</tevo>") == after.size() - 7) << query << size;
+      rewritten += after == cut ? 0 : 1;
+    }
+  }
+  EXPECT_GT(rewritten, 10);
+}
+
+}  // namespace onu::test
