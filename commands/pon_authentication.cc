@@ -13,13 +13,10 @@ constexpr const char* kCliMode = "eoam";
 
 // The serial number as the unit registers with it: as stored, or its first four letters, which name
 // the vendor, and part of the MAC address.
-std::string serialNumber(const PonSerialData& pon, const std::string& mac) {
+std::string serialNumber(const PonSerial& serial, const std::string& mac) {
   constexpr std::size_t kVendorSize = 4;
-  std::string number;
-  std::string source;
-  pon.getPonSerialNum(number);
-  pon.getPonSerialSrc(source);
-  return source == "1" ? number.substr(0, kVendorSize) + lastFourOctets(mac) : number;
+  return serial.source == "1" ? serial.number.substr(0, kVendorSize) + lastFourOctets(mac)
+                              : serial.number;
 }
 
 // -1 at the first failure that counts.
@@ -55,30 +52,25 @@ int store(const ParsedQuery& query) {
 }  // namespace
 
 void sendAuthentication(WebRequest& request) {
-  const ConfigData& config = ConfigData::getInstance();
-  FecInfo fec;
-  config.getFec(fec);
-  LoidInfo loid;
-  config.getLoid(loid);
-  IpInfo ip;
-  config.getIpInfo(ip);
+  UnitIdentity identity;
+  ConfigData::getInstance().getIdentity(identity);
+  const std::string& mac = identity.ip.onu_mac;
+  const LoidInfo& loid = identity.loid;
   OmciLoid omci;
   OmciData::getInstance().getOmciLoid(omci);
-
-  const PonSerialData& pon = PonSerialData::getInstance();
-  std::string ponPassword;
-  pon.getPonPassword(ponPassword);
+  PonSerial serial;
+  PonSerialData::getInstance().getPonSerial(serial);
 
   request.reply.sendObject({{"ctc_switch", "1"},
-                            {"cur_mac", ip.onu_mac},
-                            {"fec_mode", fec.fec_mode},
+                            {"cur_mac", mac},
+                            {"fec_mode", identity.fec.fec_mode},
                             {"gpon_loid", omci.loid},
                             {"gpon_password", omci.password},
                             {"loid", loid.loid},
                             {"password", loid.password},
-                            {"ponPassword", ponPassword},
-                            {"ponSerialNum", serialNumber(pon, ip.onu_mac)},
-                            {"sn", withoutSeparators(ip.onu_mac)}});
+                            {"ponPassword", serial.password},
+                            {"ponSerialNum", serialNumber(serial, mac)},
+                            {"sn", withoutSeparators(mac)}});
 }
 
 void storeAuthentication(WebRequest& request) { request.reply.sendStatus(store(request.query)); }

@@ -8,31 +8,22 @@
 namespace onu {
 namespace {
 
-// The first port of the file; one without values when there is none.
-VlanPortInfo firstVlanPort() {
-  std::vector<VlanPortInfo> ports;
-  ConfigData::getInstance().getVlanPorts(ports);
-  return ports.empty() ? VlanPortInfo() : ports.front();
-}
-
-PhyPortInfo firstPhyPort() {
-  std::vector<PhyPortInfo> ports;
-  ConfigData::getInstance().getPhyPorts(ports);
-  return ports.empty() ? PhyPortInfo() : ports.front();
+// The first of the file; one without values when there is none.
+template <typename Port>
+Port first(const std::vector<Port>& ports) {
+  return ports.empty() ? Port() : ports.front();
 }
 
 }  // namespace
 
 void sendPortStatus(WebRequest& request) {
-  const VlanPortInfo vlan = firstVlanPort();
-  const PhyPortInfo phy = firstPhyPort();
-  const ProfileData& profile = ProfileData::getInstance();
-  std::string loopDetect;
-  profile.getLoopDetect("0", loopDetect);
-  std::string multicastMode;
-  profile.getMulticastSwitch(multicastMode);
-  std::string multicastGroups;
-  profile.getMulticastGroupNum(multicastGroups);
+  std::vector<VlanPortInfo> vlanPorts;
+  std::vector<PhyPortInfo> phyPorts;
+  ConfigData::getInstance().getPorts(vlanPorts, phyPorts);
+  const VlanPortInfo vlan = first(vlanPorts);
+  const PhyPortInfo phy = first(phyPorts);
+  PortFeatures features;
+  ProfileData::getInstance().getPortFeatures("0", features);
 
   // The pages rely on the constants whatever state the port is in.
   request.reply.sendArray({
@@ -44,9 +35,10 @@ void sendPortStatus(WebRequest& request) {
       {"fast_leave", "0"},
       {"link", "1"},
       {"link_rate", phy.mode},
-      {"loop_detect", loopDetect == "1" ? "0" : "1"},  // the pages count the other way round
-      {"max_igmp_group", multicastGroups},
-      {"mc_mode", multicastMode},
+      {"loop_detect",
+       features.loopDetect == "1" ? "0" : "1"},  // the pages count the other way round
+      {"max_igmp_group", features.multicastGroupNum},
+      {"mc_mode", features.multicastSwitch},
       {"mc_tag_oper", "0"},
       {"pause", phy.flow_control},
   });

@@ -8,24 +8,19 @@
 namespace onu {
 
 void sendUnitInformation(WebRequest& request) {
-  const ConfigData& config = ConfigData::getInstance();
-  CommInfo comm;
-  config.getCommInfo(comm);
-  IpInfo ip;
-  config.getIpInfo(ip);
-  FecInfo fec;
-  config.getFec(fec);
-
+  UnitIdentity identity;
+  ConfigData::getInstance().getIdentity(identity);
   OnuProfile profile;
   ProfileData::getInstance().getProfile(profile);
-
   EponOnuInfo epon;
   EponInfo::getInstance().getOnuInfo(epon);
 
+  const IpInfo& ip = identity.ip;
+  const FecInfo& fec = identity.fec;
   const CapabilityInfo& capability = profile.capability;
   request.reply.sendObject({
       {"afec_ability", fec.fec_ability},
-      {"app_ver", comm.softwareVersion},
+      {"app_ver", identity.comm.softwareVersion},
       {"capabi_battery_backup", capability.batteryBackup},
       {"capabi_ds_que_num", capability.dsQueNum},
       {"capabi_fe_bitmap", capability.feBitmapLsb},
@@ -53,7 +48,7 @@ void sendUnitInformation(WebRequest& request) {
       {"onu_soft_ver", profile.vendor.swVersion},
       {"onu_vendor_id", profile.vendor.vendor},
       {"reg_st", epon.state == "Active" ? "1" : "0"},
-      {"type", comm.model},
+      {"type", identity.comm.model},
   });
 }
 

@@ -1,7 +1,5 @@
 #include "config/config_data.h"
 
-#include <utility>
-
 #include "base/message.h"
 #include "config/settings_file.h"
 
@@ -31,6 +29,55 @@ constexpr Field<PhyPortInfo> kPhyAttributes[] = {
     {"mode_max", &PhyPortInfo::mode_max},
 };
 
+int readCommInfo(const SettingsFile& file, CommInfo& info) {
+  return copyTexts(file.find({"commInfo"}), kCommTexts, info);
+}
+
+int readIpInfo(const SettingsFile& file, IpInfo& info) {
+  return copyTexts(file.find({"ipInfo"}), kIpTexts, info);
+}
+
+int readFec(const SettingsFile& file, FecInfo& info) {
+  const xml::XmlNode* const mode = file.find({"onu", "fec_mode"});
+  const xml::XmlNode* const ability = file.find({"onu", "fec_ability"});
+  if (mode == nullptr || ability == nullptr) {
+    return -1;
+  }
+  copyText(mode, info.fec_mode);
+  return copyText(ability, info.fec_ability);
+}
+
+int readLoid(const SettingsFile& file, LoidInfo& info) {
+  const xml::XmlNode* const loid = file.find({"onu", "loid"});
+  copyAttribute(loid, "password", info.password);
+  return copyText(loid, info.loid);
+}
+
+int readVlanPorts(const SettingsFile& file, std::vector<VlanPortInfo>& ports) {
+  ports.clear();
+  VlanPortInfo info;  // one for all, so that a missing value is the one of the port before
+  for (const xml::XmlNode* port = file.find({"vlan", "port"}); port != nullptr; port = port->next) {
+    if (xml::attr(port, "default_vid") == nullptr) {
+      ports.clear();
+      break;
+    }
+    copyText(port, info.port);
+    copyAttributes(port, kVlanAttributes, info);
+    ports.push_back(info);
+  }
+  return ports.empty() ? -1 : 0;
+}
+
+int readPhyPorts(const SettingsFile& file, std::vector<PhyPortInfo>& ports) {
+  const xml::XmlNode* const first = file.find({"switch", "port"});
+  for (const xml::XmlNode* port = first; port != nullptr; port = port->next) {
+    PhyPortInfo& info = ports.emplace_back();
+    copyText(port, info.port);
+    copyAttributes(port, kPhyAttributes, info);
+  }
+  return first == nullptr ? -1 : 0;
+}
+
 }  // namespace
 
 ConfigData& ConfigData::getInstance() {
@@ -39,23 +86,17 @@ ConfigData& ConfigData::getInstance() {
 }
 
 int ConfigData::getCommInfo(CommInfo& info) const {
-  const SettingsFile file(path_);
-  const xml::XmlNode* const group = file.find({"commInfo"});
-  if (group == nullptr) {
-    return -1;
-  }
-  copyTexts(group, kCommTexts, info);
-  return 0;
+  return readCommInfo(SettingsFile(path_), info);
 }
 
-int ConfigData::getIpInfo(IpInfo& info) const {
+int ConfigData::getIpInfo(IpInfo& info) const { return readIpInfo(SettingsFile(path_), info); }
+
+void ConfigData::getIdentity(UnitIdentity& identity) const {
   const SettingsFile file(path_);
-  const xml::XmlNode* const group = file.find({"ipInfo"});
-  if (group == nullptr) {
-    return -1;
-  }
-  copyTexts(group, kIpTexts, info);
-  return 0;
+  readCommInfo(file, identity.comm);
+  readIpInfo(file, identity.ip);
+  readFec(file, identity.fec);
+  readLoid(file, identity.loid);
 }
 
 int ConfigData::setIpInfo(const IpInfo& info) const {
@@ -93,11 +134,8 @@ int ConfigData::setMac(const std::string& mac) const {
 int ConfigData::getAccountPassword(const std::string& account, std::string& password) const {
   const SettingsFile file(path_);
   const xml::XmlNode* const group = file.find({"account"});
-  if (group == nullptr) {
-    return -1;
-  }
   copyText(xml::child(group, account.c_str()), password);
-  return 0;
+  return group == nullptr ? -1 : 0;
 }
 
 int ConfigData::getAdminPassword(std::string& password) const {
@@ -109,33 +147,15 @@ int ConfigData::getUserPassword(std::string& password) const {
 }
 
 int ConfigData::setAdminPassword(const std::string& password) const {
-  return setAccountPassword("admin", password);
+  return storeText(path_, {"account", "admin"}, password);
 }
 
 int ConfigData::setUserPassword(const std::string& password) const {
-  return setAccountPassword("user", password);
-}
-
-int ConfigData::setAccountPassword(const char* account, const std::string& password) const {
-  const EditedSettings file(path_);
-  return file.finish(editText(file.find({"account", account}), password, Write::kIfChanged));
+  return storeText(path_, {"account", "user"}, password);
 }
 
 int ConfigData::getVlanPorts(std::vector<VlanPortInfo>& ports) const {
-  ports.clear();
-  const SettingsFile file(path_);
-  std::vector<VlanPortInfo> found;
-  VlanPortInfo info;  // one for all, so that a missing value is the one of the port before
-  for (const xml::XmlNode* port = file.find({"vlan", "port"}); port != nullptr; port = port->next) {
-    if (xml::attr(port, "default_vid") == nullptr) {
-      return -1;
-    }
-    copyText(port, info.port);
-    copyAttributes(port, kVlanAttributes, info);
-    found.push_back(info);
-  }
-  ports = std::move(found);
-  return ports.empty() ? -1 : 0;
+  return readVlanPorts(SettingsFile(path_), ports);
 }
 
 int ConfigData::setVlanPort(const VlanPortInfo& info) const {
@@ -156,38 +176,19 @@ int ConfigData::setVlanPort(const VlanPortInfo& info) const {
   return file.finish(Edit::kDone);
 }
 
-int ConfigData::getFec(FecInfo& info) const {
-  const SettingsFile file(path_);
-  const xml::XmlNode* const mode = file.find({"onu", "fec_mode"});
-  const xml::XmlNode* const ability = file.find({"onu", "fec_ability"});
-  if (mode == nullptr || ability == nullptr) {
-    return -1;
-  }
-  copyText(mode, info.fec_mode);
-  copyText(ability, info.fec_ability);
-  return 0;
-}
+int ConfigData::getFec(FecInfo& info) const { return readFec(SettingsFile(path_), info); }
 
 int ConfigData::setFecMode(const std::string& mode) const {
-  const EditedSettings file(path_);
-  return file.finish(editText(file.find({"onu", "fec_mode"}), mode, Write::kIfChanged));
+  return storeText(path_, {"onu", "fec_mode"}, mode);
 }
 
 int ConfigData::getSn(std::string& sn) const {
-  return copyText(SettingsFile(path_).find({"onu", "sn"}), sn) ? 0 : -1;
+  return copyText(SettingsFile(path_).find({"onu", "sn"}), sn);
 }
 
-int ConfigData::setSn(const std::string& sn) const {
-  const EditedSettings file(path_);
-  return file.finish(editText(file.find({"onu", "sn"}), sn, Write::kIfChanged));
-}
+int ConfigData::setSn(const std::string& sn) const { return storeText(path_, {"onu", "sn"}, sn); }
 
-int ConfigData::getLoid(LoidInfo& info) const {
-  const SettingsFile file(path_);
-  const xml::XmlNode* const loid = file.find({"onu", "loid"});
-  copyAttribute(loid, "password", info.password);
-  return copyText(loid, info.loid) ? 0 : -1;
-}
+int ConfigData::getLoid(LoidInfo& info) const { return readLoid(SettingsFile(path_), info); }
 
 int ConfigData::setLoid(const LoidInfo& info) const {
   const EditedSettings file(path_);
@@ -197,15 +198,13 @@ int ConfigData::setLoid(const LoidInfo& info) const {
 }
 
 int ConfigData::getPhyPorts(std::vector<PhyPortInfo>& ports) const {
+  return readPhyPorts(SettingsFile(path_), ports);
+}
+
+void ConfigData::getPorts(std::vector<VlanPortInfo>& vlan, std::vector<PhyPortInfo>& phy) const {
   const SettingsFile file(path_);
-  const xml::XmlNode* const first = file.find({"switch", "port"});
-  for (const xml::XmlNode* port = first; port != nullptr; port = port->next) {
-    PhyPortInfo info;
-    copyText(port, info.port);
-    copyAttributes(port, kPhyAttributes, info);
-    ports.push_back(std::move(info));
-  }
-  return first == nullptr ? -1 : 0;
+  readVlanPorts(file, vlan);
+  readPhyPorts(file, phy);
 }
 
 int ConfigData::setPhyPort(const PhyPortInfo& info) const {
@@ -223,7 +222,7 @@ int ConfigData::setPhyPort(const PhyPortInfo& info) const {
 int ConfigData::getMacAgingTime(const std::string& port, std::string& time) const {
   const SettingsFile file(path_);
   xml::XmlNode* element = findNamed(file.find({"mac_aging_time", "eth_port"}), port);
-  while (element != nullptr && !copyAttribute(element, "time", time)) {
+  while (element != nullptr && copyAttribute(element, "time", time) != 0) {
     element = findNamed(element->next, port);
   }
   return element == nullptr ? -1 : 0;

@@ -30,6 +30,14 @@ struct LoidInfo {
   std::string password;
 };
 
+// What the unit is and what it identifies itself with.
+struct UnitIdentity {
+  CommInfo comm;
+  IpInfo ip;
+  FecInfo fec;
+  LoidInfo loid;
+};
+
 struct VlanPortInfo {
   std::string port;
   std::string mode;
@@ -65,6 +73,9 @@ class ConfigData {
   // -1 also, with a message on standard output, when there is no onu_mac to set.
   int setMac(const std::string& mac) const;
 
+  // What getCommInfo, getIpInfo, getFec and getLoid fill, from one reading of the file.
+  void getIdentity(UnitIdentity& identity) const;
+
   // 0 with `password` untouched for an account that does not exist.
   int getAccountPassword(const std::string& account, std::string& password) const;
   int getAdminPassword(std::string& password) const;
@@ -95,6 +106,8 @@ class ConfigData {
 
   // Appends the ports, in the order of the file, to what the list holds. -1 when there is none.
   int getPhyPorts(std::vector<PhyPortInfo>& ports) const;
+  // What getVlanPorts and getPhyPorts fill, from one reading of the file.
+  void getPorts(std::vector<VlanPortInfo>& vlan, std::vector<PhyPortInfo>& phy) const;
   // mode_max is never written. -1 when no port has that name.
   int setPhyPort(const PhyPortInfo& info) const;
 
@@ -110,7 +123,6 @@ class ConfigData {
 
  private:
   ConfigData() = default;
-  int setAccountPassword(const char* account, const std::string& password) const;
 
   const char* path_ = kMainSettingsPath;
 };

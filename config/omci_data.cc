@@ -3,6 +3,14 @@
 #include "config/settings_file.h"
 
 namespace onu {
+namespace {
+
+constexpr Field<OmciLoid> kLoidAttributes[] = {
+    {"loid", &OmciLoid::loid},
+    {"password", &OmciLoid::password},
+};
+
+}  // namespace
 
 OmciData& OmciData::getInstance() {
   static OmciData instance;
@@ -11,10 +19,7 @@ OmciData& OmciData::getInstance() {
 
 int OmciData::getOmciLoid(OmciLoid& info) const {
   const SettingsFile file(path_);
-  const xml::XmlNode* const auth = file.find({"OMCI_MIB", "ctcLOIDAuth"});
-  copyAttribute(auth, "loid", info.loid);
-  copyAttribute(auth, "password", info.password);
-  return auth == nullptr ? -1 : 0;
+  return copyAttributes(file.find({"OMCI_MIB", "ctcLOIDAuth"}), kLoidAttributes, info);
 }
 
 int OmciData::setOmciLoid(const OmciLoid& info) const {

@@ -9,11 +9,22 @@ constexpr const char* kSerialNum = "PON_serial_num";
 constexpr const char* kPassword = "PON_passwd";
 constexpr const char* kSerialSrc = "PON_serial_src";
 
+constexpr Field<PonSerial> kTexts[] = {
+    {kSerialNum, &PonSerial::number},
+    {kPassword, &PonSerial::password},
+    {kSerialSrc, &PonSerial::source},
+};
+
 }  // namespace
 
 PonSerialData& PonSerialData::getInstance() {
   static PonSerialData instance;
   return instance;
+}
+
+int PonSerialData::getPonSerial(PonSerial& serial) const {
+  const SettingsFile file(path_);
+  return copyTexts(file.find({"PON"}), kTexts, serial);
 }
 
 int PonSerialData::getPonSerialNum(std::string& value) const { return get(kSerialNum, value); }
@@ -36,8 +47,7 @@ int PonSerialData::get(const char* name, std::string& value) const {
 }
 
 int PonSerialData::set(const char* name, const std::string& value) const {
-  const EditedSettings file(path_);
-  return file.finish(editText(file.find({"PON", name}), value, Write::kIfChanged));
+  return storeText(path_, {"PON", name}, value);
 }
 
 }  // namespace onu

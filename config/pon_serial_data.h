@@ -6,6 +6,12 @@
 
 namespace onu {
 
+struct PonSerial {
+  std::string number;
+  std::string password;
+  std::string source;  // "1": the serial number ends in part of the MAC address; else as stored
+};
+
 // The GPON serial settings file: with what the unit registers at the line terminal. Every call
 // reads it anew and a setter writes it back as a whole, only when its value has changed; writing is
 // not checked.
@@ -18,8 +24,9 @@ class PonSerialData {
   // group lacks the element.
   int getPonSerialNum(std::string& value) const;
   int getPonPassword(std::string& value) const;
-  // "1": the serial number ends in part of the MAC address; else it is used as stored.
   int getPonSerialSrc(std::string& value) const;
+  // All three, from one reading of the file.
+  int getPonSerial(PonSerial& serial) const;
 
   // 0, or -1 when the file cannot be opened or the element is missing.
   int setPonSerialNum(const std::string& value) const;

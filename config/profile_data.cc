@@ -147,18 +147,23 @@ void ProfileData::getProfile(OnuProfile& profile) const {
 
 int ProfileData::getMulticastSwitch(std::string& mode) const {
   const SettingsFile file(eoamPath_);
-  return copyText(file.find({"ONU_MULTICAST", "oam_multicast_switch"}), mode) ? 0 : -1;
+  return copyText(file.find({"ONU_MULTICAST", "oam_multicast_switch"}), mode);
 }
 
 int ProfileData::setMulticastSwitch(const std::string& mode) const {
-  const EditedSettings file(eoamPath_);
-  return file.finish(
-      editText(file.find({"ONU_MULTICAST", "oam_multicast_switch"}), mode, Write::kIfChanged));
+  return storeText(eoamPath_, {"ONU_MULTICAST", "oam_multicast_switch"}, mode);
 }
 
 int ProfileData::getMulticastGroupNum(std::string& number) const {
   const SettingsFile file(eoamPath_);
-  return copyAttribute(file.find({"ONU_MULTICAST", "port"}), "groupnum", number) ? 0 : -1;
+  return copyAttribute(file.find({"ONU_MULTICAST", "port"}), "groupnum", number);
+}
+
+void ProfileData::getPortFeatures(const std::string& port, PortFeatures& features) const {
+  const SettingsFile file(eoamPath_);
+  copyText(file.find({"ONU_MULTICAST", "oam_multicast_switch"}), features.multicastSwitch);
+  copyAttribute(file.find({"ONU_MULTICAST", "port"}), "groupnum", features.multicastGroupNum);
+  copyAttribute(findLoopPort(file, port), "loopdetect", features.loopDetect);
 }
 
 int ProfileData::getLoopDetect(const std::string& port, std::string& mode) const {

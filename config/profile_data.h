@@ -44,6 +44,12 @@ struct OnuProfile {
   CapabilityInfo capability;
 };
 
+struct PortFeatures {
+  std::string multicastSwitch;
+  std::string multicastGroupNum;
+  std::string loopDetect;
+};
+
 // The ONU profile, which is never written, and the multicast and loop detection groups of the eOAM
 // settings file. Values are texts. Every call reads its file anew. All return 0, or -1 when the
 // file cannot be opened or the group or element of the value is missing. Setters write, unchecked,
@@ -73,6 +79,9 @@ class ProfileData {
   // has no setting leaves `mode` as it is.
   int getLoopDetect(const std::string& port, std::string& mode) const;
   int setLoopDetect(const std::string& port, const std::string& mode) const;
+
+  // What getMulticastSwitch, getMulticastGroupNum and getLoopDetect fill, from one reading.
+  void getPortFeatures(const std::string& port, PortFeatures& features) const;
 
  private:
   ProfileData() = default;

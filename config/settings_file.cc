@@ -53,21 +53,21 @@ int EditedSettings::finish(Edit edit) const {
   return edit == Edit::kFailed ? -1 : 0;
 }
 
-bool copyText(const xml::XmlNode* node, std::string& value) {
+int copyText(const xml::XmlNode* node, std::string& value) {
   if (node == nullptr) {
-    return false;
+    return -1;
   }
   value = node->txt;
-  return true;
+  return 0;
 }
 
-bool copyAttribute(const xml::XmlNode* node, const char* name, std::string& value) {
+int copyAttribute(const xml::XmlNode* node, const char* name, std::string& value) {
   const char* const text = xml::attr(node, name);
   if (text == nullptr) {
-    return false;
+    return -1;
   }
   value = text;
-  return true;
+  return 0;
 }
 
 Edit editText(xml::XmlNode* node, const std::string& value, Write write) {
@@ -91,6 +91,12 @@ Edit editAttribute(xml::XmlNode* node, const char* name, const std::string& valu
   }
   xml::setAttr(node, name, value.c_str());
   return Edit::kDone;
+}
+
+int storeText(const char* path, std::initializer_list<const char*> names,
+              const std::string& value) {
+  const EditedSettings file(path);
+  return file.finish(editText(file.find(names), value, Write::kIfChanged));
 }
 
 xml::XmlNode* findNamed(xml::XmlNode* first, const std::string& name) {

@@ -49,26 +49,27 @@ class EditedSettings : private ReplaceableFile, public SettingsFile {
   int finish(Edit edit) const;
 };
 
-// Copies the element's text into `value`. False, with `value` untouched, without an element.
-bool copyText(const xml::XmlNode* node, std::string& value);
+// Copies the element's text into `value`. -1, with `value` untouched, without an element, else 0.
+int copyText(const xml::XmlNode* node, std::string& value);
 
-// Copies the attribute into `value`. False, with `value` untouched, without element or attribute.
-bool copyAttribute(const xml::XmlNode* node, const char* name, std::string& value);
+// Copies the attribute into `value`. -1, with `value` untouched, without element or attribute.
+int copyAttribute(const xml::XmlNode* node, const char* name, std::string& value);
 
 // The same for the fields of a record: each from the child element of its name, or from the
-// attribute. What is missing leaves its field as it is.
+// attribute. What is missing leaves its field as it is; -1 only without `node`.
 template <typename Record, std::size_t count>
-void copyTexts(const xml::XmlNode* parent, const Field<Record> (&fields)[count], Record& record) {
+int copyTexts(const xml::XmlNode* node, const Field<Record> (&fields)[count], Record& record) {
   for (const auto& [name, member] : fields) {
-    copyText(xml::child(parent, name.data()), record.*member);
+    copyText(xml::child(node, name.data()), record.*member);
   }
+  return node == nullptr ? -1 : 0;
 }
 template <typename Record, std::size_t count>
-void copyAttributes(const xml::XmlNode* node, const Field<Record> (&fields)[count],
-                    Record& record) {
+int copyAttributes(const xml::XmlNode* node, const Field<Record> (&fields)[count], Record& record) {
   for (const auto& [name, member] : fields) {
     copyAttribute(node, name.data(), record.*member);
   }
+  return node == nullptr ? -1 : 0;
 }
 
 // Sets the element's text, with kIfChanged only when it differs. The tree points at `value`.
@@ -76,6 +77,10 @@ Edit editText(xml::XmlNode* node, const std::string& value, Write write);
 
 // The same for an attribute, which is added where it is missing.
 Edit editAttribute(xml::XmlNode* node, const char* name, const std::string& value, Write write);
+
+// A setter of one text: writes the file back when the element's text differs. Returns 0, or -1
+// without the file or the element.
+int storeText(const char* path, std::initializer_list<const char*> names, const std::string& value);
 
 // The element whose text is `name`, searched from `first` on among the elements of its own name;
 // null when there is none. This is how the files name their ports.

@@ -69,9 +69,7 @@ TpmData& TpmData::getInstance() {
 
 int TpmData::getMtu(MtuInfo& info) const {
   const SettingsFile file(path_);
-  const xml::XmlNode* const group = file.find({"mtu_setting"});
-  copyTexts(group, kMtuTexts, info);
-  return group == nullptr ? -1 : 0;
+  return copyTexts(file.find({"mtu_setting"}), kMtuTexts, info);
 }
 
 int TpmData::setMtu(const MtuInfo& info) const {
@@ -85,7 +83,7 @@ int TpmData::setMtu(const MtuInfo& info) const {
 
 int TpmData::getSchedMethod(std::string& method) const {
   const SettingsFile file(path_);
-  return copyAttribute(firstTxQueue(file), "sched_method", method) ? 0 : -1;
+  return copyAttribute(firstTxQueue(file), "sched_method", method);
 }
 
 int TpmData::setSchedMethod(const std::string& method) const {
