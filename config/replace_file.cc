@@ -87,9 +87,9 @@ void ReplaceableFile::replace(std::string_view text) const {
     complain({"cannot save ", target_, ": ", std::strerror(error_)});
     return;
   }
-  // Beyond a limit of file sizes (ulimit -f) a write is to fail, not to end the process. A handler,
-  // unlike SIG_IGN, is not handed down to the tools.
-  std::signal(SIGXFSZ, [](int) {});
+  // Beyond a limit of file sizes (ulimit -f) a write is to fail, not to end the process. The tools
+  // that are started later inherit that, and their writes fail likewise.
+  std::signal(SIGXFSZ, SIG_IGN);
   bool inPlace = !S_ISREG(state_.st_mode);
   int error = inPlace ? 0 : replaceByNew(text, inPlace);
   if (inPlace) {
