@@ -73,7 +73,8 @@ bool readRequest(const onu::ResponseWriter& reply, std::string& text) {
   const bool upload = type == onu::ContentType::kMultipart;
   if (upload) {
     text = WebDataComm::queryString();
-  } else if (!readForm(web, text)) {
+  }
+  if (!upload && !readForm(web, text)) {
     reply.sendErrorPage(kBadRequest, "read request fail");
     return false;
   }
