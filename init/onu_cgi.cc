@@ -11,6 +11,7 @@
 #include "base/message.h"
 #include "base/unit_lock.h"
 #include "commands/command_table.h"
+#include "frontend/guard.h"
 #include "frontend/request_process.h"
 #include "frontend/web_data_comm.h"
 
@@ -23,6 +24,11 @@ constexpr const char* kUploadPath = "/tmp/recFile";  // where import and upgrade
 constexpr const char* kPartialPath = "/tmp/.recFile";
 constexpr std::uint32_t kMaxForm = 1024 * 1024;  // bytes of a form body
 constexpr int kBadRequest = 400;
+#ifdef ONU_GUARD
+constexpr bool kGuarded = true;
+#else
+constexpr bool kGuarded = false;
+#endif
 
 // What cannot be a whole form is refused: cut short it is another request, and the unit's memory
 // belongs to the commands. Says why on standard error.
@@ -44,6 +50,15 @@ bool readForm(WebDataComm& web, std::string& text) {
               std::to_string(length)});
   }
   return web.missingBytes() == 0;
+}
+
+// Without the guard any text may become a command: that is the interface.
+bool isAllowed(const std::string& text) {
+  if (!kGuarded || onu::isHarmless(text)) {
+    return true;
+  }
+  complain({"the request holds what a shell would act on"});
+  return false;
 }
 
 // Stores the file of an upload, whole or not at all: it has its name when it is complete, and
@@ -73,7 +88,8 @@ bool readRequest(const onu::ResponseWriter& reply, std::string& text) {
   const bool upload = type == onu::ContentType::kMultipart;
   if (upload) {
     text = WebDataComm::queryString();
-  } else if (!readForm(web, text)) {
+  }
+  if ((!upload && !readForm(web, text)) || !isAllowed(text)) {
     reply.sendErrorPage(kBadRequest, "read request fail");
     return false;
   }

@@ -18,6 +18,10 @@ ifneq ($(filter %.git,$(ONU_SITE)),)
 ONU_SITE_METHOD = git
 endif
 
+ifeq ($(BR2_PACKAGE_ONU_GUARD),y)
+ONU_CONF_OPTS += -DONU_GUARD=ON
+endif
+
 ifeq ($(BR2_ENABLE_LTO),y)
 ONU_CONF_OPTS += -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=ON
 endif
