@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <numeric>
 
+#include "base/fd.h"
 #include "device/i2c_acess.h"
 #include "device/smbus.h"
-#include "base/fd.h"
 #include "tests/support/unit.h"
 
 namespace onu::test {

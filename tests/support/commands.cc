@@ -53,7 +53,7 @@ int startWatch() {
   const int queue = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
   for (const char* folder : {"/var/tevo/website/www/xml", "/etc/xml_params",
                              "/sys/devices/platform/tpm/cfg_traffic", "/tmp", "/record"}) {
-    EXPECT_GE(::inotify_add_watch(queue, folder, IN_CLOSE_WRITE | IN_MOVED_TO), 0) << folder;
+    EXPECT_GE(::inotify_add_watch(queue, folder, IN_MODIFY | IN_MOVED_TO), 0) << folder;
   }
   return queue;
 }
