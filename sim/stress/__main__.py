@@ -10,6 +10,7 @@ import broken_off
 import calls
 import clients
 import kill
+import memory
 import owners
 import pairs
 import save_calls
@@ -20,7 +21,7 @@ STAGES = {
     for function in (clients.stage_readers, clients.stage_writer, kill.stage_kill,
                      pairs.stage_two_writers, pairs.stage_pairs, pairs.stage_lock,
                      broken_off.stage_broken_off, saves.stage_saves, save_calls.stage_save_calls,
-                     calls.stage_faults)
+                     memory.stage_memory, calls.stage_faults)
 }
 
 

@@ -50,7 +50,7 @@ def stage_kill(options):
     i = 1
     for _ in range(count):
         pid = start(i)
-        time.sleep(random.uniform(0, usual))
+        time.sleep(random.uniform(0, 1.5 * usual))
         os.kill(pid, signal.SIGKILL)
         killed = os.WIFSIGNALED(os.waitpid(pid, 0)[1])
         state = document_state(MAIN)
@@ -75,7 +75,7 @@ def stage_kill(options):
     stale = names() ^ whole
     if stale or most > 1:
         wrong.append(f"stale after one more save: {stale}, at most {most} meanwhile")
-    print(f"  {count} writers killed within {usual * 1000:.2f} ms: {dict(outcomes)}; torn "
+    print(f"  {count} writers killed within {1.5 * usual * 1000:.2f} ms: {dict(outcomes)}; torn "
           f"{states['torn']}, empty {states['empty']}, stale files: {most} at most, {len(stale)} "
           "after one more save")
     return wrong

@@ -11,19 +11,19 @@ from unit import SAVES, Request, incomplete, names, read, reset, settings, write
 
 def calls_of_a_save(query):
     """The calls from the first opening of a settings file for writing on: name, number among those
-    of its name, whether it is such an opening. Those that get memory or write the reply are left
-    out."""
+    of its name, whether a new file was begun before. Those that get memory or write the reply are
+    left out."""
     trace = "/record/trace"
     Request(query).run("/usr/bin/strace", "-qq", "-o", trace)
-    counts, calls, saving = collections.Counter(), [], False
+    counts, calls, opened, saving = collections.Counter(), [], False, False
     for line in read(trace).splitlines():
         call = line.partition("(")[0]
         counts[call] += 1
-        opens = re.search(r'\.xml", O_(WR|RDWR)', line) is not None
-        saving = saving or opens
+        opened = opened or re.search(r'\.xml", O_(WR|RDWR)', line)
         other = r"mmap|munmap|brk|exit|wait|clone|v?fork|rt_|---|\+\+\+|write\(1,"
-        if saving and not re.match(other, line):
-            calls.append((call, counts[call], opens))
+        if opened and not re.match(other, line):
+            calls.append((call, counts[call], saving))
+        saving = saving or opened and "O_CREAT" in line
     return calls
 
 
@@ -74,12 +74,14 @@ def stage_save_calls(options):
             wrong.extend(f"{query}: {label}: {fault}" for fault in faults)
             found[label.partition(" ")[0]] += bool(faults)
 
-        for call, when, opens in calls_of_a_save(query):
+        for call, when, saving in calls_of_a_save(query):
             for error in ("ENOSYS", "EPERM", "EIO", "EINTR", "ENOSPC"):
                 reset()
                 outcome = failing(Request(query), call, error, when)
-                # A file that cannot be opened keeps its text, and so does one without room.
-                check(f"{error} of {call} {when}", outcome, opens or error == "ENOSPC")
+                # The text stays when it cannot be read to be changed, or the file be opened for
+                # that; and when there is no room for another, or the medium fails.
+                old = not saving or call == "write" or error in ("ENOSPC", "EIO")
+                check(f"{error} of {call} {when}", outcome if saving else None, old)
             reset()
             failing(Request(query), call, "SIGKILL", when)
             check(f"SIGKILL at {call} {when}", None, True, names())

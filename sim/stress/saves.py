@@ -25,7 +25,7 @@ WORLDS = [
     ("2 pages free", worlds.small_disk(2), "whole", SAVES + LARGE, {}),
     ("3 pages free", worlds.small_disk(3), "whole", SAVES + LARGE, {}),
     ("9 pages free", worlds.small_disk(9), "after", SAVES + LARGE, {}),
-    ("512 bytes at most", contextlib.nullcontext, "before", SAVES + LARGE, worlds.limited(512)),
+    ("128 bytes at most", contextlib.nullcontext, "before", SAVES + LARGE, worlds.limited(128)),
     ("8192 at most", contextlib.nullcontext, "whole", SAVES + LARGE, worlds.limited(8192)),
     ("1 MiB at most", contextlib.nullcontext, "after", SAVES + LARGE, worlds.limited(1 << 20)),
 ]

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <numeric>
 
+#include "base/fd.h"
 #include "device/i2c_acess.h"
 #include "device/smbus.h"
-#include "base/fd.h"
 #include "tests/support/unit.h"
 
 namespace onu::test {
@@ -22,10 +22,6 @@ std::string reading(const std::string& temperature, const std::string& voltage,
               " ℃\",tx_opt_power:\"" + tx + " dBm\",voltage:\"" + voltage + " V\"}");
 }
 const std::string kNothingRead = reading("0.00", "0.00", "0.00", "-inf", "-inf");
-
-// A module in use, as raw bytes, and its reply.
-const std::string kLit = "register 96 0x24 0x80 0x80 0x84 0x30 0x34 0x3F 0x5A 0x00 0xAD\n";
-const std::string kLitReply = reading("36.50", "3.29", "12.34", "2.10", "-17.62");
 
 // What the bus sees: the probe, the setting of the register pointer, the read.
 const std::string kSelect = "select address=0x51 ok\n";
@@ -64,18 +60,19 @@ class OpticalModule : public Unit {
   static int rested(const std::string& request) {
     return std::stoi(shell("grep -cE '^ *[1-9][0-9.]* ms  " + request + "' /record/i2c").out);
   }
-
-  static void check(const std::string& registers, const std::string& reply,
-                    const std::string& requests) {
-    const Outcome outcome = withModule(registers, {kCgi});
-    EXPECT_EQ(outcome.out + outcome.err, reply) << registers;
-    EXPECT_EQ(traffic(), requests) << registers;
-  }
 };
 
-TEST_F(OpticalModule, IsReadAsItCounts) {
-  for (const auto& [registers, reply] : std::map<std::string, std::string>{
-           {kLit, kLitReply},
+TEST_F(OpticalModule, IsRead) {
+  struct Case {
+    std::string registers, reply;
+    std::string requests = kAll;
+  };
+  // A module in use, and what becomes of it when the bus fails.
+  const std::string lit = "register 96 0x24 0x80 0x80 0x84 0x30 0x34 0x3F 0x5A 0x00 0xAD\n";
+  const std::string litReply = reading("36.50", "3.29", "12.34", "2.10", "-17.62");
+  const std::string probeBlock = "read command=0x00 size=8 length=1 ";
+  for (const auto& [registers, want, requests] : {
+           Case{lit, litReply},
            {"register 96 0x80 0 0x80 0xE8 0x17 0x70 0x27 0x10 0 1\n",
             reading("-128.00", "3.30", "6.00", "0.00", "-40.00")},
            {"register 96 0x7F 255 255 255 255 255 255 255 255 255\n",
@@ -85,25 +82,25 @@ TEST_F(OpticalModule, IsReadAsItCounts) {
             reading("-1.00", "0.00", "0.00", "-0.00", "-inf")},
            // 32950 and 65 print otherwise in double precision, 22413 and 35359 in single.
            {"register 96 0 0 0x80 0xB6 0 65 0x57 0x8D 0x8A 0x1F\n",
-            reading("0.00", "3.30", "0.06", "3.50", "5.48")}}) {
-    check(registers, reply, kAll);
+            reading("0.00", "3.30", "0.06", "3.50", "5.48")},
+           {lit + "fault absent\n", kNothingRead,
+            kSelect + kProbe + "ENXIO\n" + probeBlock + "ENXIO\n" + kPointer + "ENXIO\n"},
+           {lit + "fault address\n", kNothingRead,
+            "select address=0x51 EBUSY\nselect address=0x51 EBUSY\n"},
+           {lit + "fault pointer\n", kNothingRead, kAwake + kPointer + "ENXIO\n"},
+           {lit + "fault block_read\n", kNothingRead, kAwake + kPointed + kBlock + "EIO\n"},
+           {lit + "short_bytes 0\n", litReply,
+            kSelect + kProbe + "EIO\n" + probeBlock + "ok\n" + kPointed + kBlock + "ok\n"},
+           // Half of the bias pair is there: 0x30 and 0.
+           {lit + "short_block 5\n", reading("36.50", "3.29", "12.29", "-inf", "-inf")},
+           {lit + "short_block 0\n", kNothingRead},
+       }) {
+    const Outcome outcome = withModule(registers, {kCgi});
+    EXPECT_EQ(outcome.out + outcome.err, want) << registers;
+    EXPECT_EQ(traffic(), requests) << registers;
+    EXPECT_EQ(rested("write"), requests.find("write") == std::string::npos ? 0 : 1)
+        << "between the selection and the first transfer";
   }
-  EXPECT_EQ(rested("write"), 1) << "between the selection and the first transfer";
-}
-
-TEST_F(OpticalModule, StandsFaultsOfTheBus) {
-  const std::string probeBlock = "read command=0x00 size=8 length=1 ";
-  check(kLit + "fault absent\n", kNothingRead,
-        kSelect + kProbe + "ENXIO\n" + probeBlock + "ENXIO\n" + kPointer + "ENXIO\n");
-  check(kLit + "fault address\n", kNothingRead,
-        "select address=0x51 EBUSY\nselect address=0x51 EBUSY\n");
-  check(kLit + "fault pointer\n", kNothingRead, kAwake + kPointer + "ENXIO\n");
-  check(kLit + "fault block_read\n", kNothingRead, kAwake + kPointed + kBlock + "EIO\n");
-  check(kLit + "short_bytes 0\n", kLitReply,
-        kSelect + kProbe + "EIO\n" + probeBlock + "ok\n" + kPointed + kBlock + "ok\n");
-  // Half of the bias pair is there: 0x30 and 0.
-  check(kLit + "short_block 5\n", reading("36.50", "3.29", "12.29", "-inf", "-inf"), kAll);
-  check(kLit + "short_block 0\n", kNothingRead, kAll);
 }
 
 // Runs in a process of its own, see below.
@@ -156,16 +153,14 @@ TEST_F(OpticalModule, ByteModeAndLongReads) {
 }
 
 // Without the simulated bus: runs under an emulator, too.
-TEST(NoOpticalModule, AnswersWithZeros) {
-  Unit::reset();
+TEST_F(Unit, NoOpticalModuleReadsAsZeros) {
+  EXPECT_EQ(reply("cmd_id=3"), kNothingRead) << "no bus";
   std::filesystem::remove(kBus);
-  const Outcome outcome = Unit::cgi(get("cmd_id=3&action=0"));
+  const Outcome outcome = cgi(get("cmd_id=3&action=0"));
   writeFile(kBus, "");
   EXPECT_EQ(outcome.out, kNothingRead);
   EXPECT_EQ(outcome.err,
             "In this SFU could not open I2C bus file /dev/i2c-0, No such file or directory(2)\n");
-  const Outcome noBus = Unit::cgi(get("cmd_id=3&action=0"));
-  EXPECT_EQ(noBus.out + noBus.err, kNothingRead);
 }
 
 }  // namespace

@@ -52,8 +52,8 @@ TEST_F(Commands, PonAuthenticationIsStored) {
            {"0", eoam("pon fec_mode disable")}, {"1", enable}, {"2", loid}}) {
     const std::string changes =
         R"(ABCD0000|N|>pp<|>P<|"gl"|"GL"|"gp"|"GP"|>sn<|>S<|"lp">li<|"x&lt;z">abc<|>fm<|>)";
-    check({{set + mode, "0", "gpon omci tevo " + kRun + "tevo " + kRun, changes + mode + "<",
-            loid + "|" + second}});
+    check({{set + mode, "0", "gpon gpon omci tevo tevo " + kRun + "tevo " + kRun,
+            changes + mode + "<", loid + "|" + second}});
   }
   // The same values: some are stored all the same.
   const std::string same = eoam("onu loid li  lp");
@@ -68,13 +68,13 @@ TEST_F(Commands, PonAuthenticationIsStored) {
   const std::string oldLoid = "<loid password=\"p\">l</loid>";
   const std::string newSn = ">s<|>S<";
   const std::string newLoid = newSn + "|" + oldLoid + "|<loid password=\"x&lt;z\">abc</loid>";
-  for (const auto& [values, c] :
-       std::map<std::string, Case>{{fec + oldLoid, {set + "1", "1"}},
-                                   {fec + sn, {set + "1", "1", "tevo ", newSn}},
-                                   {sn + oldLoid, {set + "1", "1", "tevo " + kRun, newLoid, loid}},
-                                   {fec + sn + oldLoid,
-                                    {set + "1", "0", "tevo " + kRun + "tevo " + kRun,
-                                     newLoid + "|>fm<|>1<", loid + "|" + enable}}}) {
+  for (const auto& [values, c] : std::map<std::string, Case>{
+           {fec + oldLoid, {set + "1", "1"}},
+           {fec + sn, {set + "1", "1", "tevo ", newSn}},
+           {sn + oldLoid, {set + "1", "1", "tevo tevo " + kRun, newLoid, loid}},
+           {fec + sn + oldLoid,
+            {set + "1", "0", "tevo tevo " + kRun + "tevo " + kRun, newLoid + "|>fm<|>1<",
+             loid + "|" + enable}}}) {
     check({c}, {{"tevo", "<t><onu>" + values + "</onu></t>"}, {"omci", "<o/>"}, {"gpon", kAbsent}});
   }
 }

@@ -11,21 +11,19 @@ using namespace std::string_literals;
 
 constexpr const char* kFile = "/sys/devices/platform/epon/pm/allCnt";
 
-// The reply, in which a number is the place of a value in the driver's file.
-const std::string kPlaces =
-    "{rxCtrlFrames:5,rxDataFrames:4,rxFcsFrames:1,rxGateFrames:7,rxLongFrames:3,rxReportFrames:6,"
-    "rxShortFrames:2,swRegAckFrames:17,swRegDeRegFrames:19,swRegNackFrames:18,swRegReRegFrams:20,"
-    "swRxErrorFrames:16,swRxTotalFrames:15,swTxErorFrames:14,swTxTotalFrames:13,txByteAllow:12,"
-    "txDataFrames:11,txRegisterAckFrames:9,txRegisterRequestFrames:8,txReportFrames:10,";
-
+// The reply with these values, in which a number is the place of a value in the driver's file.
 std::string counters(const Texts& values) {
-  std::string text = kPlaces;
-  for (std::size_t i = 0; i < 20; ++i) {
-    const std::string place = ":" + std::to_string(i + 1) + ",";
+  std::string text =
+      "{rxCtrlFrames:5,rxDataFrames:4,rxFcsFrames:1,rxGateFrames:7,rxLongFrames:3,rxReportFrames:6,"
+      "rxShortFrames:2,swRegAckFrames:17,swRegDeRegFrames:19,swRegNackFrames:18,"
+      "swRegReRegFrams:20,swRxErrorFrames:16,swRxTotalFrames:15,swTxErorFrames:14,"
+      "swTxTotalFrames:13,txByteAllow:12,txDataFrames:11,txRegisterAckFrames:9,"
+      "txRegisterRequestFrames:8,txReportFrames:10}";
+  for (std::size_t i = 20; i > 0; --i) {
+    const std::string place = ":" + std::to_string(i);
     text.replace(text.find(place), place.size(),
-                 ":\"" + (i < values.size() ? values[i] : "") + "\",");
+                 ":\"" + (i <= values.size() ? values[i - 1] : "") + "\"");
   }
-  text.back() = '}';
   return json(text);
 }
 

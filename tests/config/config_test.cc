@@ -11,68 +11,57 @@
 #include "tests/support/unit.h"
 
 namespace onu::test {
-namespace {
-
-const ConfigData& config() { return ConfigData::getInstance(); }
-
-}  // namespace
 
 TEST_F(Unit, PortsAreListed) {
+  const ConfigData& config = ConfigData::getInstance();
   writeFile(kSettings,
             "<c><vlan><port default_vid='1' mode='2' vid_sum='3' vid_serial='4'>0</port><other/>"
             "<port default_vid='5'>1</port><port default_vid='6' mode='7'>2</port></vlan>"
             "<switch><port mode='8'>3</port></switch></c>");
   std::vector<VlanPortInfo> vlan(1);
-  EXPECT_EQ(config().getVlanPorts(vlan), 0);
+  EXPECT_EQ(config.getVlanPorts(vlan), 0);
   ASSERT_EQ(vlan.size(), 3U);
   EXPECT_EQ(vlan[1].port + vlan[1].mode, "12") << "a missing value goes on";
   EXPECT_EQ(vlan[2].port + vlan[2].mode + vlan[2].vid_sum + vlan[2].vid_serial, "2734");
   std::vector<PhyPortInfo> phy(1);
-  EXPECT_EQ(config().getPhyPorts(phy), 0);
+  EXPECT_EQ(config.getPhyPorts(phy), 0);
   ASSERT_EQ(phy.size(), 2U) << "is added to";
   EXPECT_EQ(phy[1].port + phy[1].mode + phy[1].auto_neg, "38");
 }
 
 TEST_F(Unit, WhatIsMissingIsLeft) {
+  const ConfigData& config = ConfigData::getInstance();
+  const OmciData& omciData = OmciData::getInstance();
   const PonSerialData& pon = PonSerialData::getInstance();
   const TpmData& tpm = TpmData::getInstance();
   const ProfileData& profile = ProfileData::getInstance();
   CommInfo comm{"-", "-", "-", "-"};
-  IpInfo ip;
   FecInfo fec;
   LoidInfo loid;
   OmciLoid omci;
   MtuInfo mtu;
-  QueueTexts queues;
   CapabilityInfo capability;
-  std::vector<VlanPortInfo> vlan;
   std::vector<PhyPortInfo> phy;
   std::string value = "-";
   writeFile(kSettings, "<c><commInfo><vendor>v</vendor><onu_id>i</onu_id></commInfo></c>");
-  EXPECT_EQ(config().getCommInfo(comm), 0);
+  EXPECT_EQ(config.getCommInfo(comm), 0);
   EXPECT_EQ(comm.vendor + comm.model + comm.softwareVersion + comm.onu_id, "v--i");
   EXPECT_EQ(pon.setPonSerialSrc("7") + pon.getPonSerialSrc(value), 0);
-  EXPECT_EQ(OmciData::getInstance().getOmciLoid(omci), 0);
+  EXPECT_EQ(omciData.getOmciLoid(omci), 0);
   EXPECT_EQ(profile.getCapability(capability), 0);
   EXPECT_EQ(capability.onuType + capability.geNum, "SFU1");
 
   std::filesystem::remove_all("/etc/xml_params");
   std::filesystem::remove(kSettings);
   for (const auto& [name, result] : std::map<std::string, int>{
-           {"getCommInfo", config().getCommInfo(comm)},
-           {"getIpInfo", config().getIpInfo(ip)},
-           {"getFec", config().getFec(fec)},
-           {"getLoid", config().getLoid(loid)},
-           {"getSn", config().getSn(value)},
-           {"getStorm", config().getStorm(value, value)},
-           {"getVlanPorts", config().getVlanPorts(vlan)},
-           {"getPhyPorts", config().getPhyPorts(phy)},
-           {"getAdminPassword", config().getAdminPassword(value)},
+           {"getCommInfo", config.getCommInfo(comm)},
+           {"getFec", config.getFec(fec)},
+           {"getLoid", config.getLoid(loid)},
+           {"getSn", config.getSn(value)},
+           {"getPhyPorts", config.getPhyPorts(phy)},
            {"getPonSerialSrc", pon.getPonSerialSrc(value)},
-           {"getOmciLoid", OmciData::getInstance().getOmciLoid(omci)},
-           {"setOmciLoid", OmciData::getInstance().setOmciLoid(omci)},
+           {"getOmciLoid", omciData.getOmciLoid(omci)},
            {"getMtu", tpm.getMtu(mtu)},
-           {"getQueueWeights", tpm.getQueueWeights(queues)},
            {"setFlowControl", tpm.setFlowControl("1")},
            {"setSchedMethod", tpm.setSchedMethod("1")},
            {"getMulticastGroupNum", profile.getMulticastGroupNum(value)},

@@ -90,7 +90,7 @@ TEST_F(Uploads, FailWithoutDispatch) {
     EXPECT_EQ(cgi(request).out, errorPage(400, "receive file fail"));
     EXPECT_FALSE(exists(kUpload)) << request.environment["CONTENT_LENGTH"];
   }
-  std::filesystem::create_symlink("/dev/full", kUpload);
+  std::filesystem::create_symlink("/dev/full", "/tmp/.recFile");
   EXPECT_EQ(cgi(upload("cmd_id=8", body)).out, errorPage(400, "receive file fail"));
 }
 

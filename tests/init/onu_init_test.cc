@@ -111,7 +111,7 @@ TEST_F(Init, StoresTheAddressItIsGiven) {
     EXPECT_EQ(failed.commands, Texts{"fw_setenv mv_pon_addr  a"});
     EXPECT_EQ(readFile(kSettings), text);
   }
-  EXPECT_EQ(init({"a", "b"}).out.find(kFactoryIp), 0U) << "two arguments: a normal run";
+  EXPECT_EQ(init({"a", "b"}).out.find(kTitle + " IP = "), 0U) << "two arguments: a normal run";
 }
 
 }  // namespace
