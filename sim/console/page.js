@@ -60,18 +60,23 @@ export function confirm(title, text, action) {
   });
 }
 
-// A line through samples [time, value], newest at the right edge, `span` milliseconds wide.
-export function plot(samples, { width, height, span, low, high, now }) {
+// Draws a line through samples [time, value], newest at the right edge, `span` milliseconds wide.
+export function plot(drawing, samples, { span, low, high, now }) {
+  const { clientWidth: width, clientHeight: height } = drawing;
+  drawing.setAttribute('viewBox', `0 0 ${width} ${height}`);
   const known = samples.filter(([, value]) => Number.isFinite(value));
   const values = known.map(([, value]) => value);
   const bottom = low ?? Math.min(...values);
   const top = high ?? Math.max(...values);
-  const x = (time) => (width - 2) * (1 - (now - time) / span);
-  const y = (value) => height - 2 - (height - 4) * (top > bottom ? (value - bottom) / (top - bottom) : 0.5);
+  const x = (time) => (width - 4) * (1 - (now - time) / span);
+  const part = (value) => (top > bottom ? (value - bottom) / (top - bottom) : 0.5);
+  const y = (value) => height - 4 - (height - 8) * part(value);
   const points = known.map(([time, value]) => `${x(time).toFixed(1)},${y(value).toFixed(1)}`);
   const last = points.at(-1)?.split(',');
-  return [
+  drawing.replaceChildren(...[
+    last ? svg('polygon', { class: 'area',
+      points: `${points[0].split(',')[0]},${height} ${points.join(' ')} ${last[0]},${height}` }) : null,
     svg('polyline', { points: points.join(' '), class: 'line' }),
-    last ? svg('circle', { cx: last[0], cy: last[1], r: 2, class: 'dot' }) : null,
-  ].filter(Boolean);
+    last ? svg('circle', { cx: last[0], cy: last[1], r: 2.5, class: 'dot' }) : null,
+  ].filter(Boolean));
 }

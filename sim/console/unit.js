@@ -9,12 +9,14 @@ export const description = await (await fetch('/interface.json')).json();
 export const command = (number) => description.commands.find((row) => row.number === number);
 export const keysOf = (number) => Object.keys(command(number).reply?.keys ?? {});
 
-// What a value reads as: its word where the description has one, with its unit.
-export function inWords(text, { values, unit } = {}) {
-  return values?.[text] ?? (text && unit ? `${text} ${unit}` : text);
+// { label, unit, values } of a reply's key.
+export function entryOf(number, key) {
+  const { reply } = command(number);
+  const entry = reply.keys[key];
+  return { unit: reply.unit, ...(typeof entry === 'string' ? { label: entry } : entry) };
 }
-export const valuesOf = (entry) =>
-  typeof entry.values === 'string' ? description.values[entry.values] : entry.values;
+export const valuesOf = ({ values }) =>
+  typeof values === 'string' ? description.values[values] : values;
 
 const listeners = new Set();
 let answering = true;
