@@ -1,0 +1,260 @@
+"""A virtual unit that runs: qemu's ARM board with the kernel, device tree and file system that
+sim/machine/board and sim/machine/image have made, and a file for its flash."""
+
+import base64
+import io
+import json
+import os
+import queue
+import shutil
+import socket
+import subprocess
+import tarfile
+import tempfile
+import threading
+import time
+
+import flash as chip
+
+CGI = "/cgi-bin/onu-cgi"
+
+
+class Trouble(Exception):
+    """The unit does not do what a unit does, whatever the request."""
+
+
+class Parts:
+    """Where the parts of a unit lie, from the command line."""
+
+    @staticmethod
+    def add_options(parser):
+        parser.add_argument("--board", required=True)
+        parser.add_argument("--image", required=True)
+
+    def __init__(self, options):
+        self.kernel = os.path.join(options.board, "vmlinuz")
+        self.tree = os.path.join(options.board, "unit.dtb")
+        self.image = options.image
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+def serial_line(path, timeout):
+    line = socket.socket(socket.AF_UNIX)
+    line.settimeout(timeout)
+    deadline = time.monotonic() + timeout
+    while True:
+        try:
+            line.connect(path)
+            return line
+        except OSError:
+            if time.monotonic() > deadline:
+                raise
+            time.sleep(0.02)
+
+
+class BenchLine:
+    """The unit's first serial line: its words as they come, read at once, for qemu stands still when
+    nobody takes a character."""
+
+    def __init__(self, path):
+        self.line = serial_line(path, 20)
+        self.line.settimeout(None)
+        self.outputs = queue.SimpleQueue()
+        self.records = []  # archives of /record, one for each time the unit went down
+        self.ready = 0  # how often it has begun to take commands
+        threading.Thread(target=self._read, daemon=True).start()
+
+    def _read(self):
+        with self.line.makefile("rb") as lines:
+            for line in lines:
+                word, _, rest = line.strip().partition(b" ")
+                if word == b"record":
+                    self.records.append(base64.b64decode(rest))
+                elif word == b"output":
+                    self.outputs.put(base64.b64decode(rest))
+                elif word == b"ready":
+                    self.ready += 1
+
+    def run(self, command, timeout):
+        self.line.sendall(base64.b64encode(command.encode()) + b"\n")
+        try:
+            return self.outputs.get(timeout=timeout)
+        except queue.Empty:
+            raise Trouble(f"no answer to {command}") from None
+
+
+class Monitor:
+    """qemu's own line: it stops time, pulls the cable and tells of resets."""
+
+    def __init__(self, path):
+        self.lines = serial_line(path, 20).makefile("rwb")
+        self.resets = 0
+        self._read()  # the greeting
+        self.ask("qmp_capabilities")
+
+    def _read(self):
+        message = json.loads(self.lines.readline() or b'{"error": "qemu has ended"}')
+        if message.get("event") == "RESET":
+            self.resets += 1
+        return message
+
+    def ask(self, command, **arguments):
+        self.lines.write(json.dumps({"execute": command, "arguments": arguments}).encode() + b"\n")
+        self.lines.flush()
+        while True:
+            message = self._read()
+            if "return" in message:
+                return message["return"]
+            if "error" in message:
+                raise Trouble(f"{command}: {message['error']}")
+
+    def human(self, line):
+        return self.ask("human-monitor-command", **{"command-line": line})
+
+
+class Machine:
+    """As a context manager: switched on at its beginning, off (by the power switch) at its end.
+
+    `flash` is a file, which the unit changes; `module` the register file of the optical module, None
+    for a unit without one; `counted` makes its clock count instructions, a nanosecond each. `console`
+    gives it this process's terminal."""
+
+    def __init__(self, parts, flash, port=None, module=None, counted=False, console=False):
+        self.parts, self.flash, self.port = parts, flash, port or free_port()
+        self.module, self.counted, self.console = module, counted, console
+        self.folder = tempfile.mkdtemp(prefix="onu-machine.")
+        self.process = self.bench = None
+
+    def __enter__(self):
+        try:
+            self.start()
+        except BaseException:
+            self.stop()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        self.stop()
+
+    def _path(self, name):
+        return os.path.join(self.folder, name)
+
+    def start(self):
+        terminal = "stdio,signal=on" if self.console else "null"
+        arguments = [
+            "setpriv", "--pdeathsig", "KILL", "qemu-system-arm", "-M", "sabrelite", "-m", "256",
+            "-smp", "1", "-display", "none", "-nodefaults",
+            "-kernel", self.parts.kernel, "-dtb", self.parts.tree, "-initrd", self.parts.image,
+            "-append", "console=ttymxc1 quiet panic=1 rdinit=/sbin/init",
+            "-chardev", f"socket,id=bench,path={self._path('bench')},server=on,wait=off",
+            "-chardev", f"{terminal},id=console,logfile={self._path('console')}",
+            "-serial", "chardev:bench", "-serial", "chardev:console",
+            "-qmp", f"unix:{self._path('monitor')},server=on,wait=off",
+            "-drive", f"file={self.flash},if=mtd,format=raw",
+            "-nic", f"user,id=net,hostfwd=tcp:127.0.0.1:{self.port}-10.0.2.15:80"]
+        registers = chip.module_registers(self.module) if self.module else None
+        if registers:
+            with open(self._path("module"), "wb") as file:
+                # This EEPROM takes two bytes of address, of which a module's reader sends the second.
+                file.write(registers * 256)
+            arguments += ["-drive", f"file={self._path('module')},if=none,id=registers,format=raw",
+                          "-device", "at24c-eeprom,id=module,bus=i2c-bus.0,address=0x51,"
+                          "rom-size=65536,drive=registers"]
+        if self.counted:
+            arguments += ["-icount", "shift=0,sleep=off"]
+        with open(self._path("qemu"), "wb") as log:
+            self.process = subprocess.Popen(
+                arguments, stdin=None if self.console else subprocess.DEVNULL, stderr=log)
+        try:
+            self.monitor = Monitor(self._path("monitor"))
+            self.bench = BenchLine(self._path("bench"))
+        except OSError as error:
+            with open(self._path("qemu"), encoding="utf-8") as log:
+                raise Trouble(f"qemu does not start: {log.read()}") from error
+
+    def stop(self):
+        """Cuts the power."""
+        if self.process:
+            self.process.kill()
+            self.process.wait()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def console_text(self):
+        with open(self._path("console"), encoding="utf-8", errors="replace") as file:
+            return file.read()
+
+    # Time.
+
+    def pause(self):
+        self.monitor.ask("stop")
+
+    def resume(self):
+        self.monitor.ask("cont")
+
+    def copy_flash(self):
+        """What a power cut would leave now: qemu has nothing on its way to the file after `stop`."""
+        self.pause()
+        with open(self.flash, "rb") as file:
+            content = file.read()
+        self.resume()
+        return content
+
+    # Through the network.
+
+    def fetch(self, path, body=None, headers=None, timeout=60):
+        """Status line, headers and body as they came."""
+        with socket.create_connection(("127.0.0.1", self.port), timeout=timeout) as connection:
+            head = f"{'GET' if body is None else 'POST'} {path} HTTP/1.0\r\n"
+            for name, value in (headers or {}).items():
+                head += f"{name}: {value}\r\n"
+            if body is not None:
+                head += f"Content-Length: {len(body)}\r\n"
+            connection.sendall(head.encode() + b"\r\n" + (body or b""))
+            answer = b""
+            while block := connection.recv(65536):
+                answer += block
+        return answer
+
+    def ask(self, query):
+        """The body of the reply to a request."""
+        return self.fetch(f"{CGI}?{query}").partition(b"\r\n\r\n")[2].decode()
+
+    def wait(self, timeout=120):
+        """Until the unit answers; for how long that took, in seconds. A new unit starts twice."""
+        begin = time.monotonic()
+        while True:
+            try:
+                if self.fetch(f"{CGI}?cmd_id=8", timeout=5).startswith(b"HTTP/1.0 200 OK"):
+                    return time.monotonic() - begin
+            except OSError:
+                pass
+            if self.process.poll() is not None or time.monotonic() - begin > timeout:
+                with open(self._path("qemu"), encoding="utf-8") as file:
+                    raise Trouble(f"the unit does not answer: {file.read()}{self.console_text()}")
+            time.sleep(0.05)
+
+    # Through the bench's line.
+
+    def run(self, command, good=True, timeout=300):
+        """What a shell on the unit prints for the command, both outputs, as bytes."""
+        answer = self.bench.run(f"({command}\n)\necho =$?", timeout)
+        output, _, status = answer.rpartition(b"=")
+        if good and int(status) != 0:
+            raise Trouble(f"{command}: status {int(status)}: {output.decode()}")
+        return output
+
+    def files(self, *paths):
+        """The files below these folders of the unit: their names and contents."""
+        return unpack(base64.b64decode(self.run(
+            f"tar -czf - -C / {' '.join(path.lstrip('/') for path in paths)} | base64 -w 0")))
+
+
+def unpack(archive):
+    with tarfile.open(fileobj=io.BytesIO(archive)) as tar:
+        return {"/" + member.name: tar.extractfile(member).read()
+                for member in tar.getmembers() if member.isfile()}
