@@ -1,6 +1,8 @@
-// The heap of the executables, which is also that of this program.
+// The heap of the executables, under names of its own: this program keeps that of the C library,
+// and the compiler knows nothing of what these functions promise.
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -9,7 +11,18 @@
 #include <cstdlib>
 #include <cstring>
 #include <random>
+#include <utility>
 #include <vector>
+
+#define malloc heapMalloc
+#define free heapFree
+#define calloc heapCalloc
+#define realloc heapRealloc
+#define aligned_alloc heapAlignedAlloc
+#define memalign heapMemalign
+#define posix_memalign heapPosixMemalign
+#define malloc_usable_size heapUsableSize
+#include "init/heap.cc"  // NOLINT(bugprone-suspicious-include)
 
 namespace {
 
@@ -21,115 +34,121 @@ struct Piece {
   unsigned char fill = 0;
 };
 
+unsigned char* bytesOf(void* block) { return static_cast<unsigned char*>(block); }
+
 bool holds(const Piece& piece, std::size_t size) {
   return std::all_of(piece.bytes, piece.bytes + size,
                      [&](unsigned char byte) { return byte == piece.fill; });
 }
 
-bool isMapped(char* bytes) {
+bool isMapped(void* block) {
   unsigned char resident = 0;
-  return ::mincore(bytes - reinterpret_cast<std::uintptr_t>(bytes) % 4096, 1, &resident) == 0;
+  return ::mincore(bytesOf(block) - reinterpret_cast<std::uintptr_t>(block) % 4096, 1, &resident) ==
+         0;
 }
 
 TEST(Heap, KeepsBlocksApartAndTakesThemBack) {
   std::mt19937 random(1);
   std::vector<Piece> pieces(200);
-  void* const before = std::malloc(1);
-  std::free(before);
+  void* const before = malloc(1);
+  free(before);
   for (int step = 0; step < 40000; ++step) {
     Piece& piece = pieces[random() % pieces.size()];
     ASSERT_TRUE(holds(piece, piece.size)) << step;
     const std::size_t size = random() % (step % 50 == 0 ? 100000 : 300);
     const std::size_t kept = std::min(size, piece.size);
+    std::size_t alignment = alignof(std::max_align_t);
     switch (random() % 5) {
       case 0:
-        std::free(piece.bytes);
+        free(piece.bytes);
         piece = {};
         continue;
       case 1:
-        std::free(piece.bytes);
-        piece = {static_cast<unsigned char*>(std::calloc(size, 1)), size, 0};
+        free(piece.bytes);
+        piece = {bytesOf(calloc(size, 1)), size, 0};
         ASSERT_TRUE(holds(piece, size)) << step;
         break;
       case 2:
-        std::free(piece.bytes);
-        piece = {static_cast<unsigned char*>(std::aligned_alloc(4096, size)), size, 0};
-        ASSERT_EQ(reinterpret_cast<std::uintptr_t>(piece.bytes) % 4096, 0U) << step;
+        free(piece.bytes);
+        alignment = std::size_t{8} << random() % 10;
+        piece = {bytesOf(aligned_alloc(alignment, size)), size, 0};
         break;
       default:
-        piece.bytes = static_cast<unsigned char*>(std::realloc(piece.bytes, size));
+        piece.bytes = bytesOf(realloc(piece.bytes, size));
         ASSERT_TRUE(holds(piece, kept)) << step;
         piece.size = size;
     }
-    ASSERT_EQ(reinterpret_cast<std::uintptr_t>(piece.bytes) % alignof(std::max_align_t), 0U);
+    ASSERT_EQ(reinterpret_cast<std::uintptr_t>(piece.bytes) % alignment, 0U) << step;
+    ASSERT_GE(malloc_usable_size(piece.bytes), size) << step;
     piece.fill = static_cast<unsigned char>(step);
     std::memset(piece.bytes, piece.fill, size);
   }
   for (const Piece& piece : pieces) {
-    std::free(piece.bytes);
+    free(piece.bytes);
   }
-  EXPECT_EQ(std::malloc(1), before) << "the last block that is left is not the one of before";
-  std::free(before);
+  EXPECT_EQ(malloc(1), before) << "the last block that is left is not the one of before";
+  free(before);
 }
 
 TEST(Heap, GrowsTheLastBlockInPlaceAndReturnsAreas) {
-  void* const small = std::malloc(kMiB / 8);
-  ASSERT_EQ(std::realloc(small, kMiB / 16), small);
-  void* const large = std::realloc(small, 3 * kMiB);
+  void* const small = malloc(kMiB / 8);
+  ASSERT_EQ(realloc(small, kMiB / 16), small);
+  void* const large = realloc(small, 3 * kMiB);
   ASSERT_NE(large, small);
   std::memset(large, 1, 3 * kMiB);
-  void* const larger = std::realloc(large, 3 * kMiB + 1000);
-  EXPECT_EQ(larger, large);
-  std::free(larger);
-  EXPECT_FALSE(isMapped(static_cast<char*>(larger) + kMiB));
+  EXPECT_EQ(realloc(large, 3 * kMiB + 1000), large);
+  free(large);
+  EXPECT_FALSE(isMapped(bytesOf(large) + kMiB));
 }
 
 // An area that is used again begins anew, whatever gap its first block once had before it.
 TEST(Heap, ForgetsTheGapOfAnEmptyArea) {
-  void* const filling = std::malloc(200000);
-  std::free(std::aligned_alloc(kMiB / 8, 100));
-  void* const most = std::malloc(255000);
+  void* const first = malloc(100);
+  free(first);
+  free(aligned_alloc(kMiB / 8, 100));
+  void* const filling = malloc(200000);
+  EXPECT_EQ(filling, first);
+  free(aligned_alloc(kMiB / 8, 100));
+  void* const most = malloc(255000);
   std::memset(most, 1, 255000);
-  std::free(most);
-  std::free(filling);
+  free(most);
+  free(filling);
 }
 
 TEST(Heap, RefusesWhatCannotBe) {
-  volatile std::size_t noPowerOfTwo = 48;
-  EXPECT_EQ(std::aligned_alloc(noPowerOfTwo, 100), nullptr);
-  volatile std::size_t most = SIZE_MAX;
-  auto* const bytes = static_cast<char*>(std::malloc(10));
+  EXPECT_EQ(aligned_alloc(48, 100), nullptr) << "no power of two";
+  auto* const bytes = static_cast<char*>(malloc(10));
   std::strcpy(bytes, "unchanged");
-  for (const std::size_t size : {most - 0, most - 31, most / 2 + 1, most / 2 - 4095}) {
+  for (const std::size_t size : {SIZE_MAX, SIZE_MAX - 31, SIZE_MAX / 2 + 1, SIZE_MAX / 2 - 4095}) {
     errno = 0;
-    EXPECT_EQ(std::malloc(size), nullptr) << size;
+    EXPECT_EQ(malloc(size), nullptr) << size;
     EXPECT_EQ(errno, ENOMEM);
-    EXPECT_EQ(std::calloc(size, 2), nullptr) << size;
-    EXPECT_EQ(std::realloc(bytes, size), nullptr) << size;
+    EXPECT_EQ(calloc(size, 2), nullptr) << size;
+    EXPECT_EQ(realloc(bytes, size), nullptr) << size;
   }
   EXPECT_STREQ(bytes, "unchanged");
-  std::free(bytes);
+  free(bytes);
 }
 
 // A block that comes and goes at the end of an area must not cost system calls.
 TEST(Heap, KeepsOneEmptyArea) {
   constexpr std::size_t kMostOfAnArea = 200000;
-  void* const filling = std::malloc(kMostOfAnArea);
-  char* const block = static_cast<char*>(std::malloc(kMostOfAnArea));
-  std::free(block);
+  void* const filling = malloc(kMostOfAnArea);
+  void* const block = malloc(kMostOfAnArea);
+  free(block);
   EXPECT_TRUE(isMapped(block));
-  EXPECT_EQ(std::malloc(kMostOfAnArea), block);
-  std::free(block);
-  std::free(filling);
+  EXPECT_EQ(malloc(kMostOfAnArea), block);
+  free(block);
+  free(filling);
 }
 
 TEST(HeapDeathTest, EndsTheProcessOnFreedBytes) {
-  void* const bytes = std::malloc(10);
-  void* const behind = std::malloc(10);
-  std::free(bytes);
-  EXPECT_DEATH(std::free(bytes), "");
-  EXPECT_DEATH(static_cast<void>(!std::realloc(bytes, 5)), "");
-  std::free(behind);
+  void* const bytes = malloc(10);
+  void* const behind = malloc(10);
+  free(bytes);
+  EXPECT_DEATH(free(bytes), "");
+  EXPECT_DEATH(static_cast<void>(!realloc(bytes, 5)), "");
+  free(behind);
 }
 
 }  // namespace
