@@ -54,7 +54,10 @@ TEST_F(Saves, ReplaceTheFileThatALinkNames) {
 TEST_F(Saves, KeepWhatCannotBeWritten) {
   const std::string before = start();
   fs::permissions(kSettings, fs::perms::owner_read);
-  EXPECT_EQ(reply(kSet + "new"), json("0"));
+  const std::string where = std::string(kSettings) + ": ";
+  const Outcome outcome = cgi(get(kSet + "new"));
+  EXPECT_EQ(outcome.out, json("0"));
+  EXPECT_EQ(outcome.err, "onu-cgi: command 20: cannot save " + where + "Permission denied\n");
   EXPECT_EQ(readFile(kSettings), before);
   fs::permissions(kSettings, fs::perms::owner_all);
 
@@ -62,6 +65,10 @@ TEST_F(Saves, KeepWhatCannotBeWritten) {
   EXPECT_EQ(reply(kSet + "new"), json("0"));
   EXPECT_EQ(readFile(kSettings), with(before, "new")) << "without a new file beside it";
   fs::permissions(fs::path(kSettings).parent_path(), fs::perms(0755));
+
+  fs::remove(kSettings);
+  EXPECT_EQ(cgi(get(kSet + "new")).err,
+            "onu-cgi: command 20: cannot read " + where + "No such file or directory\n");
 }
 
 TEST_F(Saves, KeepTheOldTextOnAFullDisk) {
@@ -92,6 +99,7 @@ TEST_F(Saves, MakeADocumentOfATruncatedFile) {
     EXPECT_EQ(outcome.err.find("onu-cgi: command 30: error in " + std::string(kSettings)), 0U);
     const std::string after = readFile(kSettings);
     EXPECT_TRUE(after == cut || after.rfind("</tevo>") == after.size() - 7) << size;
+    EXPECT_EQ(outcome.err.find("is rewritten") == std::string::npos, after == cut) << outcome.err;
     rewritten += after == cut ? 0 : 1;
   }
   EXPECT_GT(rewritten, 10);

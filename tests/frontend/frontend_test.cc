@@ -27,36 +27,45 @@ TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
   const std::string counters = reply("cmd_id=8");
   Request almostUpload = get("cmd_id=8");
   almostUpload.environment["CONTENT_TYPE"] = "multipart/form-";
-  std::vector<std::pair<Request, std::string>> cases = {
+  struct Case {
+    Request request;
+    std::string reply;
+    std::string error = {};
+  };
+  const std::string tooLong = " bytes is announced, at most 1048576 are taken";
+  const std::string largest = std::to_string(kMaxForm + 1);
+  std::vector<Case> cases = {
       {almostUpload, counters},
       {post("cmd_id=8&action=1"), counters},
       {post("cmd_id=8&x=" + std::string(kMaxForm - 11, 'y')), counters},
       {announced("8", "cmd_id=8888"), counters},
-      {announced("9", "cmd_id=8"), refused},
-      {announced("-1", "cmd_id=8"), refused},
-      {announced("99999999999999999999", "cmd_id=8"), refused},
+      {announced("10", "cmd_id=8"), refused, "the form ends 2 bytes before its announced 10"},
+      {announced(largest, "cmd_id=8"), refused, "a form of 1048577" + tooLong},
+      {announced("-1", "cmd_id=8"), refused, "a form of 4294967295" + tooLong},
+      {announced("99999999999999999999", "x"), refused, "a form of 2147483647" + tooLong},
       {announced("many", "cmd_id=8"), unknown},
       {post(std::string("x=1\0&cmd_id=8", 13)), unknown},
       {{{{"REQUEST_METHOD", "POST"}}, "cmd_id=8"}, unknown},
       {{{{"REQUEST_METHOD", "GET"}}, ""}, unknown},
       {{{{"REQUEST_METHOD", "PUT"}, {"QUERY_STRING", "cmd_id=8"}}, ""}, unknown},
-      {{}, refused},
+      {{}, refused, "REQUEST_METHOD is not set"},
   };
   for (const char* query : {"action=1", "cmd_id=0", "cmd_id=7", "cmd_id=9", "cmd_id=12",
                             "cmd_id=13", "cmd_id=15", "cmd_id=29", "cmd_id=31", "cmd_id=-8",
                             "cmd_id=abc", "cmd_id=4294967304", "cmd_id=&action=1"}) {
-    cases.emplace_back(get(query), unknown);
+    cases.push_back({get(query), unknown});
   }
-  for (auto& [request, want] : cases) {
-    const Outcome outcome = cgi(request);
-    EXPECT_EQ(outcome.out, want) << request.body.substr(0, 80)
-                                 << request.environment["QUERY_STRING"];
-    EXPECT_EQ(outcome.status, 0);
+  for (Case& c : cases) {
+    const Outcome outcome = cgi(c.request);
+    const std::string label = c.request.body.substr(0, 80) + c.request.environment["QUERY_STRING"];
+    EXPECT_EQ(outcome.out, c.reply) << label;
+    EXPECT_EQ(outcome.err, c.error.empty() ? "" : "onu-cgi: " + c.error + "\n") << label;
+    EXPECT_EQ(outcome.status, 0) << label;
   }
   // What cannot be read, and what is too long, which is not read at all: its pipe never ends.
   EXPECT_EQ(shell(std::string(kCgi) + " </etc", post("cmd_id=8")).out, refused);
   const std::string endless = std::string("mkfifo /tmp/p; timeout 9 ") + kCgi + " <>/tmp/p";
-  EXPECT_EQ(shell(endless, announced(std::to_string(kMaxForm + 1), "")).out, refused);
+  EXPECT_EQ(shell(endless, announced(largest, "")).out, refused);
 }
 
 TEST_F(Unit, RequestsSurviveAClosedOutput) {

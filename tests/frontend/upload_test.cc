@@ -87,7 +87,9 @@ TEST_F(Uploads, FailWithoutDispatch) {
   requests.push_back(upload("cmd_id=8", multipart(binary(0x1000001 - multipart("").size()))));
   for (Request& request : requests) {
     writeFile(kUpload, "stale");
-    EXPECT_EQ(cgi(request).out, errorPage(400, "receive file fail"));
+    const Outcome outcome = cgi(request);
+    EXPECT_EQ(outcome.out, errorPage(400, "receive file fail"));
+    EXPECT_EQ(outcome.err, "onu-cgi: the upload was not received whole\n");
     EXPECT_FALSE(exists(kUpload)) << request.environment["CONTENT_LENGTH"];
   }
   std::filesystem::create_symlink("/dev/full", "/tmp/.recFile");
