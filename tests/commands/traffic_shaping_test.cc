@@ -73,11 +73,11 @@ TEST_F(Commands, Scheduling) {
 
 TEST_F(Commands, StormLimit) {
   const std::string queueFile = "rate_limit_queue_set";
-  const std::string interfaceFile = "rate_limit_if_set";
-  const std::string toQueue = "commands rate_limit_queue_set commands rate_limit_queue_set ";
-  const std::string toInterface = "commands rate_limit_if_set commands rate_limit_if_set ";
+  const std::string ifFile = "rate_limit_if_set";
+  const std::string toQueue = "commands " + queueFile + " commands " + queueFile + " ";
+  const std::string toIf = "commands " + ifFile + " commands " + ifFile + " ";
   const std::string off = limit("1 1048568", queueFile) + "|" + limit("7 1048568", queueFile) +
-                          "|" + limit("1048568", interfaceFile);
+                          "|" + limit("1048568", ifFile);
   const std::string set = "cmd_id=30&action=1&bs=";
   const auto port = [](const std::string& mode, const std::string& rate) {
     return "\"b0\"|\"" + mode + "\"|\"t0\"|\"" + rate + "\"";
@@ -90,10 +90,8 @@ TEST_F(Commands, StormLimit) {
        limit("1 512", queueFile)},
       {set + "1&bs_thresh=" + big, "0", toQueue + "tevo ", port("1", big),
        limit("7 " + big, queueFile)},
-      {set + "2&bs_thresh=%20\\", "0", toInterface + "tevo ", port("2", "%20\\"),
-       limit(" %20\\", interfaceFile)},
-      {set + "3&bs_thresh=512", "0", toQueue + toQueue + toInterface + "tevo ", port("3", "512"),
-       off},
+      {set + "2&bs_thresh=%20\\", "0", toIf + "tevo ", port("2", "%20\\"), limit(" %20\\", ifFile)},
+      {set + "3&bs_thresh=512", "0", toQueue + toQueue + toIf + "tevo ", port("3", "512"), off},
       {set + "0", "0", toQueue + "tevo ", port("0", "t0"), limit("1 ", queueFile)},
       // The shell prints to the page what a line feed cuts off, and stops where it understands
       // nothing.

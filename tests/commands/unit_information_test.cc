@@ -38,14 +38,11 @@ TEST_F(Commands, UnitInformationEndsAtAShortMac) {
   checkWithoutValues({{"cmd_id=2", ""}});
 }
 
-// What the profile has in hexadecimal, with no length or digit to rely on.
+// What the profile has in hexadecimal, with no length or digit to rely on: as date, digits,
+// version.
 TEST_F(Commands, ProfileValues) {
-  struct Value {
-    std::string value;
-    const char *date, *bare, *version;
-  };
-  for (const Value& c : {
-           Value{"0x130514", "2019/05/20", "130514", "13.05.14"},
+  for (const auto& [value, date, digits, version] : std::vector<std::array<std::string, 4>>{
+           {"0x130514", "2019/05/20", "130514", "13.05.14"},
            {"0xFFfEaBcc", "2255/254/171", "FFfEaBcc", "FF.fE.aB.cc"},
            {"0x190929", "2025/09/41", "190929", "19.09.29"},
            {"0x1g05-1", "2001/05/00", "1g05-1", "1g.05.-1"},
@@ -54,22 +51,18 @@ TEST_F(Commands, ProfileValues) {
            {"0x1111111111111111111111", "2017/17/17", "1111111111111111111111",
             "11.11.11.11.11.11.11.11.11.11.1"},
        }) {
-    std::string profile = "<p><Vendor>";
-    for (const char* name : {"Chip version", "Chip revision", "Firmware version"}) {
-      profile += std::string("<attrib name='") + name + "' value='" + c.value + "'/>";
-    }
     // An entry without a value, and one without a name, end their groups.
     writeFile(kProfile,
-              profile +
-                  "<attrib name='SW version'/><attrib name='HW version' value='x'/></Vendor>"
+              "<p><Vendor><attrib name='Chip version' value='" + value +
+                  "'/><attrib name='Chip revision' value='" + value +
+                  "'/><attrib name='Firmware version' value='" + value +
+                  "'/><attrib name='SW version'/><attrib name='HW version' value='x'/></Vendor>"
                   "<Capability><attrib name='Battery backup support capability' value='1'/>"
                   "<attrib value='0'/><attrib name='POTS port number' value='2'/>");
-    for (const std::string& want :
-         {std::string("battery_backup:\"1\""), std::string("pots_num:\"\""),
-          std::string("ic_ver:\"") + c.date + "\",chipset_rev:\"" + c.bare + "\"",
-          std::string("fm_ver:\"") + c.version + "\",onu_hw_ver:\"\""}) {
-      expectInReply(want, c.value);
-    }
+    expectInReply("battery_backup:\"1\"", value);
+    expectInReply("pots_num:\"\"", value);
+    expectInReply("ic_ver:\"" + date + "\",chipset_rev:\"" + digits + "\"", value);
+    expectInReply("fm_ver:\"" + version + "\",onu_hw_ver:\"\"", value);
   }
 }
 

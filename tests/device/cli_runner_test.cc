@@ -27,6 +27,7 @@ TEST_F(Unit, FecModeIsAskedOfTheCommandShell) {
 
   std::filesystem::create_symlink("/nowhere/at/all", "/tmp/info_file");
   EXPECT_FALSE(CliRunner::isFecEnabled()) << "no file";
+  EXPECT_TRUE(exists("/tmp/info_file")) << "nothing to remove";
 }
 
 }  // namespace onu::test

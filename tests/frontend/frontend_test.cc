@@ -44,6 +44,7 @@ TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
       {announced("-1", "cmd_id=8"), refused, "a form of 4294967295" + tooLong},
       {announced("99999999999999999999", "x"), refused, "a form of 2147483647" + tooLong},
       {announced("many", "cmd_id=8"), unknown},
+      {post("x"), unknown},
       {post(std::string("x=1\0&cmd_id=8", 13)), unknown},
       {{{{"REQUEST_METHOD", "POST"}}, "cmd_id=8"}, unknown},
       {{{{"REQUEST_METHOD", "GET"}}, ""}, unknown},

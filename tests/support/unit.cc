@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -27,13 +28,11 @@ Request post(const std::string& text) {
 }
 
 Request upload(const std::string& query, const std::string& body, const std::string& length) {
-  Request request = post(body);
-  request.environment["QUERY_STRING"] = query;
-  request.environment["CONTENT_TYPE"] = "multipart/form-data; boundary=x";
-  if (!length.empty()) {
-    request.environment["CONTENT_LENGTH"] = length;
-  }
-  return request;
+  return {{{"REQUEST_METHOD", "POST"},
+           {"QUERY_STRING", query},
+           {"CONTENT_TYPE", "multipart/form-data; boundary=x"},
+           {"CONTENT_LENGTH", length.empty() ? std::to_string(body.size()) : length}},
+          body};
 }
 
 std::string json(const std::string& body) {
@@ -88,16 +87,14 @@ void Unit::SetUp() {
 Outcome Unit::run(const std::string& program, Texts arguments, const Request& request) {
   fs::remove("/record/commands");
   fs::remove("/record/clish");
-  std::string name = program;
-  std::vector<char*> words = {name.data()};
+  arguments.insert(arguments.begin(), program);
+  std::vector<char*> words;
   for (std::string& argument : arguments) {
     words.push_back(argument.data());
   }
   words.push_back(nullptr);
-  int streams[3];
-  for (int& stream : streams) {
-    stream = ::memfd_create("stream", MFD_CLOEXEC);
-  }
+  std::array<int, 3> streams{};
+  std::generate(streams.begin(), streams.end(), [] { return ::memfd_create("", MFD_CLOEXEC); });
   const auto path = [&](int stream) { return "/proc/self/fd/" + std::to_string(streams[stream]); };
   writeFile(path(STDIN_FILENO), request.body);
   const pid_t child = ::fork();
@@ -111,18 +108,16 @@ Outcome Unit::run(const std::string& program, Texts arguments, const Request& re
     for (const auto& [variable, value] : request.environment) {
       ::setenv(variable.c_str(), value.c_str(), 1);
     }
-    ::execv(program.c_str(), words.data());
+    ::execv(words[0], words.data());
     ::_exit(127);
   }
-  Outcome outcome;
-  ::waitpid(child, &outcome.status, 0);
-  outcome.status =
-      WIFEXITED(outcome.status) ? WEXITSTATUS(outcome.status) : 128 + WTERMSIG(outcome.status);
-  outcome.out = readFile(path(STDOUT_FILENO));
-  outcome.err = readFile(path(STDERR_FILENO));
-  std::for_each(std::begin(streams), std::end(streams), ::close);
-  outcome.commands = split(readFile("/record/commands"), '\0');
-  outcome.scripts = split(readFile("/record/clish"), '\0');
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  const Outcome outcome = {readFile(path(STDOUT_FILENO)), readFile(path(STDERR_FILENO)),
+                           WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+                           split(readFile("/record/commands"), '\0'),
+                           split(readFile("/record/clish"), '\0')};
+  std::for_each(streams.begin(), streams.end(), ::close);
   return outcome;
 }
 

@@ -25,7 +25,7 @@ Request upload(const std::string& query, const std::string& body, const std::str
 struct Outcome {
   std::string out;
   std::string err;
-  int status = -1;  // exit status, or 128 and the number of the signal
+  int status;       // exit status, or 128 and the number of the signal
   Texts commands;   // texts given to the unit's shell, in order
   Texts scripts;    // what the command shell was fed
 };
