@@ -42,7 +42,7 @@ function button(text, kind, line, work) {
   return element;
 }
 
-function restarting(number, title, text, action) {
+function restarting(number, title, action, text) {
   const line = status();
   return card(title, h('p', {}, text), h('div', { class: 'actions' },
     button(action, 'danger', line, async () => {
@@ -55,7 +55,8 @@ function restarting(number, title, text, action) {
 }
 
 // A card that uploads a file; `question` names what will happen, `then` follows the answer.
-function uploading(title, text, { number, action, extra, accept, label, question, then }) {
+function uploading(title, text, options) {
+  const { number, action, extra, accept, label, question, then } = options;
   const line = status();
   const file = h('input', { type: 'file', 'aria-label': `${title}: file`, accept });
   const bar = h('progress', { max: 1, value: 0, hidden: true, 'aria-label': 'Upload' });
@@ -71,14 +72,16 @@ function uploading(title, text, { number, action, extra, accept, label, question
       bar.hidden = false;
       const outcome = await sendFile(number, action, extra?.parameters() ?? [], chosen, (part) => {
         bar.value = part;
-        line.say('', part < 1 ? `Sending … ${Math.floor(part * 100)} %` : 'Sent; the unit is at work.');
+        line.say('', part < 1 ? `Sending … ${Math.floor(part * 100)} %`
+          : 'Sent; the unit is at work.');
       });
       bar.hidden = true;
-      return outcome.bare === command(number).done ? then(line, chosen) : line.say('bad', failure(number, outcome));
+      return outcome.bare === command(number).done ? then(line)
+        : line.say('bad', failure(number, outcome));
     })), line.element);
 }
 
-const size = ({ size: bytes }) => `${(bytes / 1024).toLocaleString('en', { maximumFractionDigits: 0 })} KiB`;
+const size = ({ size: bytes }) => `${Math.ceil(bytes / 1024)} KiB`;
 
 function exporting() {
   const line = status();
@@ -105,7 +108,8 @@ function upgradeType() {
   const select = h('select', { id: 'update_type', name: parameter.name },
     ...Object.entries(valuesOf(parameter)).map(([value, text]) => h('option', { value }, text)));
   return {
-    element: h('div', { class: 'field' }, h('label', { for: 'update_type' }, parameter.label), select),
+    element: h('div', { class: 'field' },
+      h('label', { for: 'update_type' }, parameter.label), select),
     parameters: () => [[parameter.name, select.value]],
     text: () => select.selectedOptions[0].textContent,
   };
@@ -115,18 +119,24 @@ export function open(page) {
   const type = upgradeType();
   page.append(h('div', { class: 'grid' },
     exporting(),
-    uploading('Import', 'Takes over the settings of an archive that was exported. The unit does not look whether it is one.', {
+    uploading('Import', 'Takes over the settings of an archive that was exported. The unit does not '
+      + 'look whether it is one.', {
       number: 10, action: 1, label: 'Import', accept: '.tar',
-      question: (file) => `The settings in use are replaced by those of ${file.name} (${size(file)}).`,
-      then: (line) => line.say('good', 'Done. Look at the settings: the unit answers the same to any file.'),
+      question: (file) =>
+        `The settings in use are replaced by those of ${file.name} (${size(file)}).`,
+      then: (line) =>
+        line.say('good', 'Done. Look at the settings: the unit answers the same to any file.'),
     }),
-    uploading('Upgrade', 'Writes an image without looking at it. A wrong one leaves a unit that does not start.', {
+    uploading('Upgrade', 'Writes an image without looking at it. A wrong one leaves a unit that '
+      + 'does not start.', {
       number: 21, action: 0, label: 'Upgrade', extra: type,
-      question: (file) => `${file.name} (${size(file)}) is installed as ${type.text()}, and the unit restarts.`,
+      question: (file) =>
+        `${file.name} (${size(file)}) is installed as ${type.text()}, and the unit restarts.`,
       then: waitForUnit,
     }),
-    restarting(11, 'Reboot', 'The unit goes down and starts again; nothing passes through it meanwhile.', 'Reboot'),
-    restarting(18, 'Factory defaults', 'All settings, passwords and the IP address too, are replaced by those of the factory; then the unit reboots.',
-      'Restore factory defaults')));
+    restarting(11, 'Reboot', 'Reboot',
+      'The unit goes down and starts again; nothing passes through it meanwhile.'),
+    restarting(18, 'Factory defaults', 'Restore factory defaults', 'All settings, passwords and the '
+      + 'IP address too, are replaced by those of the factory; then the unit reboots.')));
   return {};
 }

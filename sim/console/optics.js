@@ -15,6 +15,7 @@ const kReadings = [
 ];
 const samples = Object.fromEntries(kReadings.map(({ key }) => [key, []]));
 
+const signed = (text) => text.replace('-', '−');
 const outside = (value, [low, high]) => value < low || value > high;
 function judge(value, { warning, alarm }) {
   if (Number.isNaN(value)) {
@@ -23,7 +24,10 @@ function judge(value, { warning, alarm }) {
   if (value === -Infinity) {
     return ['bad', 'no light'];
   }
-  return outside(value, alarm) ? ['bad', 'alarm'] : outside(value, warning) ? ['warn', 'warning'] : ['good', 'normal'];
+  if (outside(value, alarm)) {
+    return ['bad', 'alarm'];
+  }
+  return outside(value, warning) ? ['warn', 'warning'] : ['good', 'normal'];
 }
 
 // A gauge of 240 degrees, open below.
@@ -34,7 +38,8 @@ function point(part) {
 }
 function arc(from, to, kind) {
   const large = to - from > 0.75 ? 1 : 0;
-  return svg('path', { d: `M${point(from)} A${kRadius} ${kRadius} 0 ${large} 1 ${point(to)}`, class: kind });
+  const d = `M${point(from)} A${kRadius} ${kRadius} 0 ${large} 1 ${point(to)}`;
+  return svg('path', { d, class: kind });
 }
 function gauge({ scale, warning, alarm }) {
   const part = (value) => (value - scale[0]) / (scale[1] - scale[0]);
@@ -64,7 +69,8 @@ function reading(entry) {
   const line = svg('svg', { class: 'plot', 'aria-hidden': 'true' });
   const range = h('p', { class: 'muted small' });
   const element = h('section', { class: 'card reading' }, h('h2', {}, label),
-    h('div', { class: 'dial' }, drawing, h('p', { class: 'figure' }, figure, h('span', {}, unit)), state),
+    h('div', { class: 'dial' }, drawing,
+      h('p', { class: 'figure' }, figure, h('span', {}, unit)), state),
     h('div', { class: 'history' }, line, range));
   return {
     element,
@@ -74,7 +80,7 @@ function reading(entry) {
       const kept = samples[entry.key].filter(([time]) => now - time < kSpan);
       kept.push([now, value]);
       samples[entry.key] = kept;
-      figure.textContent = Number.isFinite(value) ? text.split(' ')[0].replace('-', '−') : '—';
+      figure.textContent = Number.isFinite(value) ? signed(text.split(' ')[0]) : '—';
       state.replaceChildren(badge(...judge(value, entry)));
       move(value);
       const span = Math.max(kLeastSpan, now - kept[0][0]);
@@ -82,8 +88,9 @@ function reading(entry) {
       const [low, high] = [Math.min(...known), Math.max(...known)];
       const slack = Math.max(0, (entry.least - (high - low)) / 2);
       plot(line, kept, { span, low: low - slack, high: high + slack, now });
+      const minutes = Math.ceil(span / 60000);
       range.textContent = known.length
-        ? `Last ${Math.ceil(span / 60000)} min: ${low.toFixed(2)} to ${high.toFixed(2)} ${unit}`.replaceAll('-', '−')
+        ? `Last ${minutes} min: ${signed(low.toFixed(2))} to ${signed(high.toFixed(2))} ${unit}`
         : 'No values';
     },
   };

@@ -38,6 +38,7 @@ function draw(info, port, ip, ports) {
         ['FEC', words(2, info, 'fec_mode')]])),
     h('section', { class: 'card wide' }, h('h2', {}, 'Ports'),
       h('ul', { class: 'sockets' }, ...ports.map(socket)),
+      h('p', { class: 'muted small' }, 'The unit calls every link up, whatever it does.'),
       h('h3', {}, 'First port'), facts(named(4, port, kPort))),
     card('Identity', facts(named(2, info, kIdentity))),
     card('Network', facts([...named(6, ip, ['ip', 'netmask']),

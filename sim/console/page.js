@@ -22,7 +22,8 @@ export const h = (name, attributes = {}, ...children) =>
 export const svg = (name, attributes = {}, ...children) =>
   fill(document.createElementNS(kSvg, name), attributes, children);
 
-export const card = (title, ...children) => h('section', { class: 'card' }, h('h2', {}, title), ...children);
+export const card = (title, ...children) =>
+  h('section', { class: 'card' }, h('h2', {}, title), ...children);
 
 export const facts = (pairs) =>
   h('dl', { class: 'facts' }, ...pairs.map(([name, value]) =>
@@ -72,11 +73,11 @@ export function plot(drawing, samples, { span, low, high, now }) {
   const part = (value) => (top > bottom ? (value - bottom) / (top - bottom) : 0.5);
   const y = (value) => height - 4 - (height - 8) * part(value);
   const points = known.map(([time, value]) => `${x(time).toFixed(1)},${y(value).toFixed(1)}`);
-  const last = points.at(-1)?.split(',');
+  const last = points.at(-1);
+  const foot = (of) => `${of.split(',')[0]},${height}`;
   drawing.replaceChildren(...[
-    last ? svg('polygon', { class: 'area',
-      points: `${points[0].split(',')[0]},${height} ${points.join(' ')} ${last[0]},${height}` }) : null,
+    last && svg('polygon', { points: [foot(points[0]), ...points, foot(last)], class: 'area' }),
     svg('polyline', { points: points.join(' '), class: 'line' }),
-    last ? svg('circle', { cx: last[0], cy: last[1], r: 2.5, class: 'dot' }) : null,
+    last && svg('path', { d: `M${last}h0`, class: 'dot' }),
   ].filter(Boolean));
 }

@@ -1,10 +1,11 @@
 // A form for every command that stores, made from the description: reads, shows what differs,
 // stores, and says that it is stored only when the unit reads it back.
 import { h, status } from './page.js';
-import { command, description, read, store, valuesOf } from './unit.js';
+import { command, description, read, requestText, store, valuesOf } from './unit.js';
 import { unitReads } from './reply.js';
 
-const kStoring = description.commands.filter(({ actions }) => Object.values(actions).includes('store'));
+const kStoring = description.commands.filter(({ actions }) =>
+  Object.values(actions).includes('store'));
 
 export function failure(number, { status: code, message, bare, body }) {
   const what = code === 0 ? '' : code === 200 ? bare ?? body : `${code} ${message}`;
@@ -67,7 +68,8 @@ function form(entry) {
       .map(({ name }) => [name, values[name]]);
     const outcome = await read(number, reading);
     if (!outcome.rows.length) {
-      throw new Error(outcome.body === '[]\n' ? 'The unit has no such settings.' : failure(number, outcome));
+      throw new Error(outcome.body === '[]\n' ? 'The unit has no such settings.'
+        : failure(number, outcome));
     }
     if (Object.entries(reply.of ?? {}).some(([name, value]) => values[name] !== value)) {
       return undefined;
@@ -101,41 +103,58 @@ function form(entry) {
     compare();
   }
 
-  async function submit() {
-    const values = sent();
-    const pairs = Object.entries(values);
-    const whole = [['cmd_id', number], ['action', 1], ...pairs].map((pair) => pair.join('=')).join('&');
-    const misread = pairs.find(([name, value]) => unitReads(whole, name) !== value);
-    const words = fields.find(({ parameter: { form }, input }) => form === 'number' && /\D/.test(input.value));
-    if (misread || words) {
-      return line.say('bad', words ? `${words.parameter.label}: digits only. Nothing was sent.`
-        : `The unit would take “${unitReads(whole, misread[0])}” for ${misread[0]}: a value can hold `
-          + 'neither & nor the name of another parameter. Nothing was sent.');
+  // What is wrong with the values before they are sent.
+  function objection(values) {
+    const numeric = parameters.find(({ name, form: kind }) =>
+      kind === 'number' && /\D/.test(values[name]));
+    if (numeric) {
+      return `${numeric.label}: digits only.`;
     }
-    const outcome = await store(number, pairs);
-    if (outcome.bare !== done) {
-      return line.say('bad', failure(number, outcome));
-    }
-    const checked = fields.filter(({ parameter }) => parameter.reads);
-    const row = reply ? await told(values) : undefined;
-    const unseen = 'The unit answers that it is done; this cannot be read back.';
-    if (!row) {
-      return line.say('warn', unseen);
-    }
-    const wrong = checked.find(({ parameter }) => row[keyOf(parameter, values)] !== values[parameter.name]);
-    const open = fields.filter(({ parameter }) => parameter.reads === null && values[parameter.name]);
-    line.say(wrong ? 'bad' : 'good', wrong
-      ? `The unit answers that it is done, but ${wrong.parameter.label} reads back as `
-        + `“${row[keyOf(wrong.parameter, values)]}”.`
-      : `Stored: the unit reads it back${open.length
-        ? `, but for ${open.map(({ parameter }) => parameter.label).join(', ')}` : ''}.`);
-    if (!wrong) {
-      fields.forEach((one) => one.fill(one.parameter.reads ? values[one.parameter.name] : one.known));
-    }
-    return compare();
+    const whole = requestText(number, 1, Object.entries(values));
+    const misread = Object.keys(values).find((name) => unitReads(whole, name) !== values[name]);
+    return misread && `The unit would take “${unitReads(whole, misread)}” for ${misread}: a value `
+      + 'can hold neither & nor the name of another parameter.';
   }
 
-  const again = h('button', { type: 'button', onclick: () => { line.say('', ''); load(); } }, 'Read again');
+  // Compares what was stored with what the unit reads back.
+  function judge(row, values) {
+    if (!row) {
+      return line.say('warn', 'The unit answers that it is done; this cannot be read back.');
+    }
+    for (const one of fields) {
+      const { reads, label, name } = one.parameter;
+      const found = row[keyOf(one.parameter, values)];
+      if (reads && found !== values[name]) {
+        return line.say('bad',
+          `The unit answers that it is done, but ${label} reads back as “${found}”.`);
+      }
+      if (reads) {
+        one.fill(found);
+      }
+    }
+    const unseen = parameters.filter(({ reads, name }) => reads === null && values[name])
+      .map(({ label }) => label).join(', ');
+    return line.say('good', `Stored: the unit reads it back${unseen && `, but for ${unseen}`}.`);
+  }
+
+  async function submit() {
+    const values = sent();
+    const wrong = objection(values);
+    if (wrong) {
+      return line.say('bad', `${wrong} Nothing was sent.`);
+    }
+    const outcome = await store(number, Object.entries(values));
+    return outcome.bare === done ? judge(reply && await told(values), values)
+      : line.say('bad', failure(number, outcome));
+  }
+
+  const again = h('button', {
+    type: 'button',
+    onclick: () => {
+      line.say('', '');
+      load();
+    },
+  }, 'Read again');
   const element = h('form', {
     autocomplete: 'off',
     oninput: () => {
@@ -165,7 +184,8 @@ export function open(page) {
   for (const entry of kStoring) {
     const { element, load } = form(entry);
     const fold = h('details', { class: 'card wide', id: `command-${entry.number}` },
-      h('summary', {}, h('h2', {}, entry.name[0].toUpperCase() + entry.name.slice(1)), h('code', {}, `cmd_id=${entry.number}`)), element);
+      h('summary', {}, h('h2', {}, entry.name[0].toUpperCase() + entry.name.slice(1)),
+        h('code', {}, `cmd_id=${entry.number}`)), element);
     fold.addEventListener('toggle', () => fold.open && load());
     fold.open = entry.number === chosen;
     page.append(fold);

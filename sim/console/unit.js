@@ -45,7 +45,8 @@ export async function ping() {
 // was no reply. Throws when the unit does not answer.
 function outcome(number, status, message, body) {
   setAnswering(true);
-  return { status, message: message.trim(), body, ...readReply(status === 200 ? body : '', keysOf(number)) };
+  const reply = readReply(status === 200 ? body : '', keysOf(number));
+  return { status, message: message.trim(), body, ...reply };
 }
 
 async function noReply(number) {
@@ -65,17 +66,18 @@ async function send(number, url, options) {
   return outcome(number, reply.status, reply.statusText, await reply.text());
 }
 
-const text = (number, action, parameters) =>
+export const requestText = (number, action, parameters) =>
   [['cmd_id', number], ['action', action], ...parameters].map((pair) => pair.join('=')).join('&');
 
-export const read = (number, parameters = []) => send(number, `${kCgi}?${text(number, 0, parameters)}`);
+export const read = (number, parameters = []) =>
+  send(number, `${kCgi}?${requestText(number, 0, parameters)}`);
 
 // As a form, whose body the browser leaves as it is: a query string would be escaped.
 export const store = (number, parameters) =>
   send(number, kCgi, {
     method: 'POST',
     headers: { 'Content-Type': kFormType },
-    body: text(number, 1, parameters),
+    body: requestText(number, 1, parameters),
   });
 
 function upload(url, file, progress, type = 'text') {
@@ -95,7 +97,8 @@ function upload(url, file, progress, type = 'text') {
 export async function sendFile(number, action, parameters, file, progress) {
   let request;
   try {
-    request = await upload(`${kCgi}?${text(number, action, parameters)}`, file, progress);
+    const query = requestText(number, action, parameters);
+    request = await upload(`${kCgi}?${query}`, file, progress);
   } catch {
     return noReply(number);
   }

@@ -1,6 +1,6 @@
 // Any request, its raw reply, and what the unit ran for it.
 import { card, h, status } from './page.js';
-import { description, trace } from './unit.js';
+import { description, requestText, trace } from './unit.js';
 
 const kMethods = [['GET', 'GET'], ['form', 'Form (POST)'], ['upload', 'Upload (POST)']];
 const kRan = [['commands', 'Commands given to the shell'], ['clish', 'Scripts given to clish'],
@@ -13,8 +13,8 @@ const visible = (text) => text.split(/([\0-\x09\x0b-\x1f\x7f])/).map((part, i) =
 const block = (text) => h('pre', { tabindex: 0 }, ...visible(text));
 
 function example({ number, actions, parameters = [] }, storing) {
-  const list = storing || !('0' in actions) ? parameters : parameters.filter(({ reading }) => reading);
-  return [`cmd_id=${number}`, `action=${storing ? 1 : 0}`, ...list.map(({ name }) => `${name}=`)].join('&');
+  const sent = parameters.filter(({ reading }) => storing || reading || !('0' in actions));
+  return requestText(number, storing ? 1 : 0, sent.map(({ name }) => [name, '']));
 }
 
 function ran(name, title, text) {
@@ -38,8 +38,11 @@ function account(line, body, { reply, status: exit, ...parts }, ms) {
 
 export function open(page) {
   const line = status();
-  const method = h('select', { id: 'method' }, ...kMethods.map(([value, text]) => h('option', { value }, text)));
-  const text = h('input', { id: 'request', value: 'cmd_id=25&action=0', autocomplete: 'off', spellcheck: 'false' });
+  const method = h('select', { id: 'method' },
+    ...kMethods.map(([value, name]) => h('option', { value }, name)));
+  const text = h('input', {
+    id: 'request', value: 'cmd_id=25&action=0', autocomplete: 'off', spellcheck: 'false',
+  });
   const file = h('input', { type: 'file', 'aria-label': 'File' });
   const fileField = h('div', { class: 'field', hidden: true }, file);
   const pick = h('select', { id: 'pick' }, h('option', { value: '' }, 'Fill in …'),
@@ -57,7 +60,8 @@ export function open(page) {
   method.addEventListener('change', () => {
     fileField.hidden = method.value !== 'upload';
   });
-  const field = (id, label, input) => h('div', { class: 'field' }, h('label', { for: id }, label), input);
+  const field = (label, input, more = '') =>
+    h('div', { class: `field ${more}` }, h('label', { for: input.id }, label), input);
   page.append(h('form', {
     class: 'card wide bench',
     onsubmit: async (event) => {
@@ -70,9 +74,14 @@ export function open(page) {
       line.say('', 'Waiting for the unit …');
       bar.hidden = how !== 'upload';
       try {
-        const { line: request, parts } = await trace(how, query, file.files[0], (part) => { bar.value = part; });
-        const body = how === 'form' ? query : how === 'upload' ? `(${file.files[0].name} as multipart/form-data)` : '';
-        results.replaceChildren(...account(request, body, parts, Math.round(performance.now() - start)));
+        const { line: request, parts } = await trace(how, query, file.files[0], (part) => {
+          bar.value = part;
+        });
+        const ms = Math.round(performance.now() - start);
+        const body = {
+          GET: '', form: query, upload: `(${file.files[0]?.name} as multipart/form-data)`,
+        }[how];
+        results.replaceChildren(...account(request, body, parts, ms));
         line.say('', '');
       } catch (error) {
         line.say('bad', `No account: ${error.message ?? 'the upload broke off'}.`);
@@ -80,8 +89,8 @@ export function open(page) {
       bar.hidden = true;
       return undefined;
     },
-  }, field('pick', 'Command', pick), field('method', 'Method', method),
-  h('div', { class: 'field long' }, h('label', { for: 'request' }, 'Request'), text), fileField,
-  h('div', { class: 'actions' }, h('button', { class: 'primary' }, 'Send')), bar, line.element), results);
+  }, field('Command', pick), field('Method', method), field('Request', text, 'long'), fileField,
+  h('div', { class: 'actions' }, h('button', { class: 'primary' }, 'Send')), bar, line.element),
+  results);
   return {};
 }
