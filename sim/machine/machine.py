@@ -227,13 +227,15 @@ class Machine:
     def resume(self):
         self.monitor.ask("cont")
 
-    def copy_flash(self):
-        """What a power cut would leave now: qemu has nothing on its way to the file after `stop`."""
+    def copy_flash(self, look=lambda: None):
+        """What a power cut would leave now (qemu has nothing on its way to the file after `stop`),
+        and what `look` gives at that instant."""
         self.pause()
+        seen = look()
         with open(self.flash, "rb") as file:
             content = file.read()
         self.resume()
-        return content
+        return content, seen
 
     # Through the network.
 
@@ -258,15 +260,19 @@ class Machine:
                     raise Trouble(f"the unit does not answer: {file.read()}{self.console_text()}")
             time.sleep(0.05)
 
-    def wait_restart(self, resets_before, timeout=120):
-        """Until the unit has started anew and answers."""
+    def restart(self, send, timeout=120):
+        """Sends what makes the unit restart, waits until it answers anew; what `send` gives."""
+        self.monitor.ask("query-status")  # which also takes in what has happened
+        before = self.monitor.resets
+        answer = send()
         deadline = time.monotonic() + timeout
-        while self.monitor.resets == resets_before:
+        while self.monitor.resets == before:
             if time.monotonic() > deadline:
                 raise Trouble(f"the unit does not restart: {self.console_text()}")
             time.sleep(0.1)
-            self.monitor.ask("query-status")  # which also takes in what has happened
-        return self.wait(timeout)
+            self.monitor.ask("query-status")
+        self.wait(timeout)
+        return answer
 
     # Through the bench's line.
 
