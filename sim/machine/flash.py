@@ -17,7 +17,7 @@ ERASED = b"\xff"
 SIZE = 0x200000  # of the one chip that qemu solders to this board, an SST25VF016B
 ERASE_BLOCK = 0x1000
 # Name, size; /dev/mtd0, /dev/mtd1 and so on. The upgrade writes 1 to 3, 3 holds the settings.
-PARTITIONS = [("boot", 0x10000), ("kernel", 0x80000), ("rootfs", 0x80000), ("var", 0xE0000),
+PARTITIONS = [("boot", 0x40000), ("kernel", 0x40000), ("rootfs", 0x40000), ("var", 0x80000),
               ("env", 0x10000)]
 ENV_SIZE = 0x4000  # as etc/fw_env.config has it
 

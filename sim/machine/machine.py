@@ -7,6 +7,7 @@ import json
 import os
 import queue
 import shutil
+import signal
 import socket
 import subprocess
 import tarfile
@@ -17,6 +18,10 @@ import time
 import flash as chip
 
 CGI = "/cgi-bin/onu-cgi"
+# Neither the ciphers' self-tests nor the certificates of modules: they are half of a start.
+KERNEL_OPTIONS = ("console=ttymxc1 quiet panic=1 rdinit=/sbin/init cryptomgr.notests=1 "
+                  "initcall_blacklist=load_system_certificate_list")
+HERE = os.path.dirname(os.path.abspath(__file__))
 
 
 class Trouble(Exception):
@@ -41,6 +46,31 @@ def free_port():
     with socket.socket() as probe:
         probe.bind(("127.0.0.1", 0))
         return probe.getsockname()[1]
+
+
+def fetch(port, path, body=None, headers=None, method=None, announced=None, timeout=60):
+    """The whole answer of a web server on this machine: status line, headers and body. `announced`
+    is the length to claim for the body where that is not the truth."""
+    head = f"{method or ('GET' if body is None else 'POST')} {path} HTTP/1.0\r\n"
+    for name, value in (headers or {}).items():
+        head += f"{name}: {value}\r\n"
+    if body is not None:
+        head += f"Content-Length: {len(body) if announced is None else announced}\r\n"
+    with socket.create_connection(("127.0.0.1", port), timeout=timeout) as connection:
+        connection.sendall(head.encode() + b"\r\n" + (body or b""))
+        if announced is not None:
+            connection.shutdown(socket.SHUT_WR)
+        answer = b""
+        while block := connection.recv(65536):
+            answer += block
+    return answer
+
+
+def form(content, name="file"):
+    """The body and header of an upload."""
+    body = (f'--x\r\nContent-Disposition: form-data; name="file"; filename="{name}"\r\n\r\n'.encode()
+            + content + b"\r\n--x--\r\n")
+    return {"body": body, "headers": {"Content-Type": "multipart/form-data; boundary=x"}}
 
 
 def serial_line(path, timeout):
@@ -150,7 +180,7 @@ class Machine:
             "setpriv", "--pdeathsig", "KILL", "qemu-system-arm", "-M", "sabrelite", "-m", "256",
             "-smp", "1", "-display", "none", "-nodefaults",
             "-kernel", self.parts.kernel, "-dtb", self.parts.tree, "-initrd", self.parts.image,
-            "-append", "console=ttymxc1 quiet panic=1 rdinit=/sbin/init",
+            "-append", KERNEL_OPTIONS,
             "-chardev", f"socket,id=bench,path={self._path('bench')},server=on,wait=off",
             "-chardev", f"{terminal},id=console,logfile={self._path('console')}",
             "-serial", "chardev:bench", "-serial", "chardev:console",
@@ -180,7 +210,8 @@ class Machine:
     def stop(self):
         """Cuts the power."""
         if self.process:
-            self.process.kill()
+            # Only a friendly word makes qemu give the terminal back.
+            self.process.send_signal(signal.SIGTERM if self.console else signal.SIGKILL)
             self.process.wait()
         shutil.rmtree(self.folder, ignore_errors=True)
 
@@ -196,29 +227,20 @@ class Machine:
     def resume(self):
         self.monitor.ask("cont")
 
-    def copy_flash(self):
-        """What a power cut would leave now: qemu has nothing on its way to the file after `stop`."""
+    def copy_flash(self, look=lambda: None):
+        """What a power cut would leave now (qemu has nothing on its way to the file after `stop`),
+        and what `look` gives at that instant."""
         self.pause()
+        seen = look()
         with open(self.flash, "rb") as file:
             content = file.read()
         self.resume()
-        return content
+        return content, seen
 
     # Through the network.
 
-    def fetch(self, path, body=None, headers=None, timeout=60):
-        """Status line, headers and body as they came."""
-        with socket.create_connection(("127.0.0.1", self.port), timeout=timeout) as connection:
-            head = f"{'GET' if body is None else 'POST'} {path} HTTP/1.0\r\n"
-            for name, value in (headers or {}).items():
-                head += f"{name}: {value}\r\n"
-            if body is not None:
-                head += f"Content-Length: {len(body)}\r\n"
-            connection.sendall(head.encode() + b"\r\n" + (body or b""))
-            answer = b""
-            while block := connection.recv(65536):
-                answer += block
-        return answer
+    def fetch(self, path, **how):
+        return fetch(self.port, path, **how)
 
     def ask(self, query):
         """The body of the reply to a request."""
@@ -238,6 +260,20 @@ class Machine:
                     raise Trouble(f"the unit does not answer: {file.read()}{self.console_text()}")
             time.sleep(0.05)
 
+    def restart(self, send, timeout=120):
+        """Sends what makes the unit restart, waits until it answers anew; what `send` gives."""
+        self.monitor.ask("query-status")  # which also takes in what has happened
+        before = self.monitor.resets
+        answer = send()
+        deadline = time.monotonic() + timeout
+        while self.monitor.resets == before:
+            if time.monotonic() > deadline:
+                raise Trouble(f"the unit does not restart: {self.console_text()}")
+            time.sleep(0.1)
+            self.monitor.ask("query-status")
+        self.wait(timeout)
+        return answer
+
     # Through the bench's line.
 
     def run(self, command, good=True, timeout=300):
@@ -247,6 +283,10 @@ class Machine:
         if good and int(status) != 0:
             raise Trouble(f"{command}: status {int(status)}: {output.decode()}")
         return output
+
+    def records(self):
+        """The files below /record as they were each time the unit went down."""
+        return [unpack(archive) for archive in self.bench.records]
 
     def files(self, *paths):
         """The files below these folders of the unit: their names and contents."""
