@@ -5,7 +5,7 @@
 
 #include "xml/entities.h"
 
-namespace xml::internal {
+namespace onu::xml::internal {
 
 // The wire characters of the modes stand for themselves in the table of declared defaults.
 enum class Mode : char {
@@ -17,7 +17,7 @@ enum class Mode : char {
 
 struct Decoded {
   char* text;  // NUL behind it only when `inPlace`
-  size_t length;
+  std::size_t length;
   bool inPlace;  // else the decoder's, valid until its next use
 };
 
@@ -34,21 +34,19 @@ class Decoder {
   void setEntities(Entities* entities) { entities_ = entities; }
 
   // Decodes [text, text + length), which must be followed by a writable byte.
-  Decoded decode(char* text, size_t length, Mode mode);
+  Decoded decode(char* text, std::size_t length, Mode mode);
 
  private:
-  void step(Mode mode);
-  void copyRun(Mode mode);
-  void lineEnd(Mode mode);
-  void reference(Mode mode);
+  void lineEnd();
+  void reference();
   bool characterReference();
-  bool predefined(const char* name, size_t length);
-  void replace(size_t referenceLength, const Entity& entity);
-  void enlarge(size_t bytes);
+  bool predefined(std::string_view name);
+  void replace(std::size_t referenceLength, std::string_view value);
+  void enlarge(std::size_t bytes);
 
   Entities* entities_ = nullptr;
   char* heap_ = nullptr;  // where text went that outgrew its place
-  size_t capacity_ = 0;
+  Mode mode_ = Mode::kContent;
   // Text written, a gap, and text still to read; replacements are put in front of the latter and
   // read in their turn.
   char* start_ = nullptr;
@@ -57,4 +55,4 @@ class Decoder {
   char* end_ = nullptr;
 };
 
-}  // namespace xml::internal
+}  // namespace onu::xml::internal

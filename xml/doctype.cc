@@ -1,10 +1,8 @@
 #include "xml/doctype.h"
 
-#include <cstring>
-
 #include "xml/scan.h"
 
-namespace xml::internal {
+namespace onu::xml::internal {
 
 namespace {
 
@@ -12,18 +10,25 @@ constexpr const char* kUnclosedList = "unclosed <!ATTLIST";
 constexpr const char* kMalformedList = "malformed <!ATTLIST";
 
 bool closes(const char* p, const char* e) {
-  if (*p != ']') return false;
-  for (++p; p != e && isSpace(*p); ++p) {
+  if (*p != ']') {
+    return false;
   }
+  p = skipSpace(p + 1, e);
   return p != e && *p == '>';
 }
 
-// Behind the comment, instruction or quoted value that starts at p, p itself when none does, NULL
-// when it has no end.
+// Behind the comment, instruction or quoted value that starts at p, p itself when none does,
+// nullptr when it has no end.
 const char* skipOpaque(const char* p, const char* e, bool inDeclaration) {
-  if (startsWith(p, e, "<!--", 4)) return afterText(p + 4, e, "-->", 3);
-  if (startsWith(p, e, "<?", 2)) return afterText(p + 2, e, "?>", 2);
-  if (inDeclaration && (*p == '"' || *p == '\'')) return afterText(p + 1, e, p, 1);
+  if (startsWith(p, e, "<!--")) {
+    return behindText(p + 4, e, "-->");
+  }
+  if (startsWith(p, e, "<?")) {
+    return behindText(p + 2, e, "?>");
+  }
+  if (inDeclaration && (*p == '"' || *p == '\'')) {
+    return behindText(p + 1, e, {p, 1});
+  }
   return p;
 }
 
@@ -41,44 +46,48 @@ const char* plainEnd(const char* start, const char* e) {
 const char* carefulEnd(const char* start, const char* e) {
   bool inDeclaration = false;
   for (const char* p = start; p != e;) {
-    const char* behind = skipOpaque(p, e, inDeclaration);
-    if (behind != p) {
-      if (behind == nullptr) return nullptr;
-      p = behind;
-      continue;
+    const char* const behind = skipOpaque(p, e, inDeclaration);
+    if (behind == nullptr || (behind == p && closes(p, e))) {
+      return behind;
     }
-    if (closes(p, e)) return p;
-    if (*p == '<') inDeclaration = true;
-    if (*p == '>') inDeclaration = false;
-    ++p;
+    if (behind == p) {
+      inDeclaration = *p == '<' || (inDeclaration && *p != '>');
+    }
+    p = behind == p ? p + 1 : behind;
   }
   return nullptr;
 }
 
 }  // namespace
 
+Doctype::Doctype(RootImpl& root, Decoder& decoder) : root_(root), decoder_(decoder) {
+  decoder_.setEntities(&entities_);
+}
+
 // In a document that is not well formed what looks like the end shall be it, from then on: each
 // careful look may go to the end of the data.
 const char* Doctype::subsetEnd(const char* p, const char* e) {
-  const char* end = isWellFormed_ ? carefulEnd(p, e) : nullptr;
+  const char* const end = isWellFormed_ ? carefulEnd(p, e) : nullptr;
   isWellFormed_ = end != nullptr;
   return isWellFormed_ ? end : plainEnd(p, e);
 }
 
-DoctypeError Doctype::read(const char* subset, size_t length) {
-  error_ = {};
-  SubsetSource source(subset, length, entities_);
+DoctypeError Doctype::read(std::string_view subset) {
+  SubsetSource source(subset, entities_);
   declarations(source);
   isFreeOfCircles(true);
   return error_;
 }
 
-Mode Doctype::attributeMode(const char* element, size_t elementLength, const char* name,
-                            size_t length) const {
-  size_t list = index_.find(this, element, elementLength);
-  if (list == NameIndex::kNone) return Mode::kAttribute;
-  size_t i = index_.find(defaults_[list].element, name, length);
-  return i == NameIndex::kNone ? Mode::kAttribute : defaults_[list].attributes[i].mode;
+Mode Doctype::attributeMode(std::string_view element, std::string_view name) const {
+  const auto list = places_.find(element);
+  if (list == places_.end()) {
+    return Mode::kAttribute;
+  }
+  const ElementDefaults& defaults = defaults_[list->second];
+  const auto place = defaults.places.find(name);
+  return place == defaults.places.end() ? Mode::kAttribute
+                                        : defaults.attributes[place->second].mode;
 }
 
 bool Doctype::declarations(SubsetSource& source) {
@@ -93,13 +102,16 @@ bool Doctype::declarations(SubsetSource& source) {
 }
 
 bool Doctype::declaration(SubsetSource& source) {
-  const char* place = source.place();
+  const char* const place = source.place();
   if (source.accept("<!--")) {
-    return source.through("-->").text != nullptr || fail(place, "unclosed <!--");
+    return source.upTo("-->").data() != nullptr || fail(place, "unclosed <!--");
   }
-  if (source.accept("<?"))
-    return source.through("?>").text != nullptr || fail(place, "unclosed <?");
-  if (source.accept("<!ATTLIST")) return attributeList(source);
+  if (source.accept("<?")) {
+    return source.upTo("?>").data() != nullptr || fail(place, "unclosed <?");
+  }
+  if (source.accept("<!ATTLIST")) {
+    return attributeList(source);
+  }
   if (source.accept("<!ENTITY") && !entity(source)) {
     return false;
   }
@@ -108,42 +120,43 @@ bool Doctype::declaration(SubsetSource& source) {
 }
 
 // The document's list begins with these, and the first declaration of a name holds.
-bool Doctype::isPredefined(const char* key) const {
-  for (size_t i = 0; i != kPredefinedEntities; ++i) {
-    if (std::strcmp(root_.predefined[2 * i], key) == 0) return true;
+bool Doctype::isPredefined(std::string_view key) const {
+  for (std::size_t i = 0; i != kPredefinedEntities; ++i) {
+    if (root_.predefined[2 * i] == key) {
+      return true;
+    }
   }
   return false;
 }
 
 // Declarations of external entities have no value to keep.
 bool Doctype::entity(SubsetSource& source) {
-  const char* place = source.place();
+  const char* const place = source.place();
   if (!source.skipSpace()) {
     return true;
   }
-  bool isParameter = source.accept("%");
+  const bool isParameter = source.accept("%");
   if (!source.skipSpace()) {
     return true;
   }
-  Token name = source.word("\"'>");
-  if (name.length == 0 || !source.skipSpace()) {
+  const Token name = source.word("\"'>");
+  if (name.empty() || !source.skipSpace()) {
     return true;
   }
-  Token value = source.quoted();
-  if (value.text == nullptr) {
+  const Token value = source.quoted();
+  if (value.data() == nullptr) {
     return true;
   }
 
-  char* key = root_.arena.copy(name.text, name.length + 1);
-  key[name.length] = ';';
-  if (!isParameter && isPredefined(key)) {
+  char* const key = root_.texts.copy(name.data(), name.size() + 1);
+  key[name.size()] = ';';
+  const std::string_view fullName(key, name.size() + 1);
+  if (!isParameter && isPredefined(fullName)) {
     return true;
   }
-  char* text = root_.arena.copy(value.text, value.length);
-  Decoded decoded = decoder_.decode(text, value.length, Mode::kEntity);
-  if (!decoded.inPlace) decoded.text = root_.arena.copy(decoded.text, decoded.length);
+  const std::string_view text = decodedCopy(value, Mode::kEntity);
   EntityTable& table = isParameter ? entities_.parameter : entities_.general;
-  if (!table.add({key, name.length + 1, decoded.text, decoded.length, place, declared_})) {
+  if (!table.add({fullName, text, place, declared_})) {
     return true;
   }
   ++declared_;
@@ -151,67 +164,94 @@ bool Doctype::entity(SubsetSource& source) {
 }
 
 bool Doctype::attributeList(SubsetSource& source) {
-  const char* place = source.place();
-  if (!source.skipSpace()) return fail(place, kUnclosedList);
-  Token element = source.word(">");
-  if (element.length == 0) return fail(place, kMalformedList);
+  const char* const place = source.place();
+  if (!source.skipSpace()) {
+    return fail(place, kUnclosedList);
+  }
+  const Token element = source.word(">");
+  if (element.empty()) {
+    return fail(place, kMalformedList);
+  }
   for (;;) {
-    if (!source.skipSpace()) return fail(place, kUnclosedList);
-    if (source.accept(">")) return true;
-    Token name = source.word(">/=");
-    if (name.length == 0 || !source.atWordEnd()) return fail(place, kMalformedList);
+    if (!source.skipSpace()) {
+      return fail(place, kUnclosedList);
+    }
+    if (source.accept(">")) {
+      return true;
+    }
+    const Token name = source.word(">/=");
+    if (name.empty() || (source.peek() != '\0' && !isSpace(source.peek()))) {
+      return fail(place, kMalformedList);
+    }
     Mode mode = Mode::kAttribute;
-    if (!source.skipSpace()) return fail(place, kUnclosedList);
-    if (!attributeType(source, &mode)) return fail(place, kMalformedList);
-    if (!source.skipSpace()) return fail(place, kUnclosedList);
-    if (!defaultValue(source, element, name, mode)) return fail(place, kMalformedList);
+    if (!source.skipSpace()) {
+      return fail(place, kUnclosedList);
+    }
+    if (!attributeType(source, &mode)) {
+      return fail(place, kMalformedList);
+    }
+    if (!source.skipSpace()) {
+      return fail(place, kUnclosedList);
+    }
+    if (!defaultValue(source, element, name, mode)) {
+      return fail(place, kMalformedList);
+    }
   }
 }
 
 bool Doctype::attributeType(SubsetSource& source, Mode* mode) {
-  if (source.peek() != '(') {
-    Token type = source.word("(>\"'#");
-    bool characters = type.length == 5 && std::memcmp(type.text, "CDATA", 5) == 0;
-    bool notation = type.length == 8 && std::memcmp(type.text, "NOTATION", 8) == 0;
-    *mode = characters ? Mode::kAttribute : Mode::kTokens;
-    if (!notation) return type.length != 0;
-    if (!source.skipSpace()) return false;
-  }
   *mode = Mode::kTokens;
-  return source.accept("(") && source.through(")").text != nullptr;
+  if (source.peek() != '(') {
+    const Token type = source.word("(>\"'#");
+    if (type == "CDATA") {
+      *mode = Mode::kAttribute;
+    }
+    if (type != "NOTATION") {
+      return !type.empty();
+    }
+    if (!source.skipSpace()) {
+      return false;
+    }
+  }
+  return source.accept("(") && source.upTo(")").data() != nullptr;
 }
 
 bool Doctype::defaultValue(SubsetSource& source, Token element, Token name, Mode mode) {
   if (source.accept("#FIXED")) {
-    if (!source.skipSpace()) return false;
+    if (!source.skipSpace()) {
+      return false;
+    }
   } else if (source.peek() == '#') {
-    return source.word(">").length > 1;
+    return source.word(">").size() > 1;
   }
-  Token value = source.quoted();
-  if (value.text == nullptr) return false;
+  const Token value = source.quoted();
+  if (value.data() == nullptr) {
+    return false;
+  }
   addDefault(element, name, value, mode);
   return true;
 }
 
 void Doctype::addDefault(Token element, Token name, Token value, Mode mode) {
-  size_t list = index_.find(this, element.text, element.length);
-  if (list == NameIndex::kNone) {
-    list = defaults_.size();
-    defaults_.push_back({root_.arena.copy(element.text, element.length), {}});
-    index_.add(this, defaults_[list].element, element.length, list);
+  const auto [list, isNew] = places_.emplace(element, defaults_.size());
+  if (isNew) {
+    defaults_.push_back({root_.texts.copy(element.data(), element.size()), {}, {}});
   }
-  ElementDefaults& defaults = defaults_[list];
-  if (index_.find(defaults.element, name.text, name.length) != NameIndex::kNone) return;
-
-  char* text = root_.arena.copy(value.text, value.length);
-  Decoded decoded = decoder_.decode(text, value.length, mode);
-  if (!decoded.inPlace) decoded.text = root_.arena.copy(decoded.text, decoded.length);
-  const char* key = root_.arena.copy(name.text, name.length);
-  index_.add(defaults.element, key, name.length, defaults.attributes.size());
-  defaults.attributes.push_back({key, decoded.text, mode, declared_});
+  ElementDefaults& defaults = defaults_[list->second];
+  if (defaults.places.emplace(name, defaults.attributes.size()).second) {
+    const char* const key = root_.texts.copy(name.data(), name.size());
+    defaults.attributes.push_back({key, decodedCopy(value, mode).data(), mode, declared_});
+  }
 }
 
-bool Doctype::fail(const char* place, const char* message, const char* argument) {
+// The value decoded, in the document's own memory, with a NUL behind it.
+std::string_view Doctype::decodedCopy(Token value, Mode mode) {
+  char* const text = root_.texts.copy(value.data(), value.size());
+  const Decoded decoded = decoder_.decode(text, value.size(), mode);
+  return {decoded.inPlace ? text : root_.texts.copy(decoded.text, decoded.length), decoded.length};
+}
+
+bool Doctype::fail(const char* place, const char* message, std::string_view argument) {
   error_ = {place, message, argument};
   return false;
 }
@@ -237,21 +277,21 @@ bool Doctype::isFreeOfCircles(bool now) {
 void Doctype::publish() const {
   const auto& general = entities_.general.all();
   const char** entity =
-      root_.arena.array<const char*>(2 * (kPredefinedEntities + general.size()) + 1);
+      root_.words.array<const char*>(2 * (kPredefinedEntities + general.size()) + 1);
   root_.ent = entity;
-  for (size_t i = 0; i < 2 * kPredefinedEntities; ++i) {
+  for (std::size_t i = 0; i < 2 * kPredefinedEntities; ++i) {
     *entity++ = root_.predefined[i];
   }
   for (const Entity& declared : general) {
     if (declared.order > held_) {
       break;
     }
-    *entity++ = declared.name;
-    *entity++ = declared.value;
+    *entity++ = declared.name.data();
+    *entity++ = declared.value.data();
   }
   *entity = nullptr;
 
-  const char*** lists = root_.arena.array<const char**>(defaults_.size() + 1);
+  const char*** lists = root_.words.array<const char**>(defaults_.size() + 1);
   root_.attr = lists;
   for (const ElementDefaults& defaults : defaults_) {
     if (defaults.attributes.front().order > held_) {
@@ -263,7 +303,7 @@ void Doctype::publish() const {
 }
 
 const char** Doctype::publish(const ElementDefaults& defaults) const {
-  const char** list = root_.arena.array<const char*>(2 + 3 * defaults.attributes.size());
+  const char** list = root_.words.array<const char*>(2 + 3 * defaults.attributes.size());
   const char** text = list;
   *text++ = defaults.element;
   for (const Default& attribute : defaults.attributes) {
@@ -278,4 +318,4 @@ const char** Doctype::publish(const ElementDefaults& defaults) const {
   return list;
 }
 
-}  // namespace xml::internal
+}  // namespace onu::xml::internal

@@ -5,7 +5,7 @@
 
 #include "xml/xml.h"
 
-namespace xml {
+namespace onu::xml {
 
 // Holds a document, or none, and ends it with freeDoc. Moves, never copies.
 class Document {
@@ -25,7 +25,7 @@ class Document {
   XmlRoot* get() const { return root_; }
   XmlRoot* operator->() const { return root_; }
 
-  // The root element, NULL without a document: what every operation takes.
+  // The root element, nullptr without a document: what every operation takes.
   XmlNode* node() const { return root_ == nullptr ? nullptr : &root_->xml; }
 
   // Hands the document over; the receiver ends it.
@@ -37,4 +37,4 @@ class Document {
   XmlRoot* root_ = nullptr;
 };
 
-}  // namespace xml
+}  // namespace onu::xml

@@ -5,23 +5,22 @@
 
 #include "xml/memory.h"
 
-namespace xml {
+namespace onu::xml {
 
 using internal::kOwnAttributes;
+using internal::release;
 
 namespace {
 
-void release(const char* text) { std::free(const_cast<char*>(text)); }
-
-size_t countPairs(const XmlNode& node) {
-  size_t texts = 0;
+std::size_t countPairs(const XmlNode& node) {
+  std::size_t texts = 0;
   while (node.attr[texts] != nullptr) texts += 2;
   return texts / 2;
 }
 
 // Gives the node, of `count` attributes, an array and owner text of its own with room for `room`.
 // Returns the owner text.
-char* ownAttributes(XmlNode& node, size_t count, size_t room) {
+char* ownAttributes(XmlNode& node, std::size_t count, std::size_t room) {
   bool owned = (node.flags & kOwnAttributes) != 0;
   const char** old = node.attr;
   auto* array = static_cast<const char**>(
@@ -37,7 +36,8 @@ char* ownAttributes(XmlNode& node, size_t count, size_t room) {
   return owners;
 }
 
-void appendPair(XmlNode& node, size_t count, const char* name, const char* value, bool copies) {
+void appendPair(XmlNode& node, std::size_t count, const char* name, const char* value,
+                bool copies) {
   char* owners = ownAttributes(node, count, count + 1);
   owners[count] = copies ? internal::kBorrowed | internal::kNameOwned | internal::kValueOwned
                          : internal::kBorrowed;
@@ -50,13 +50,19 @@ void appendPair(XmlNode& node, size_t count, const char* name, const char* value
 }
 
 // The stored name stays, so that a copy of it is released at once.
-void replaceValue(XmlNode& node, size_t count, size_t i, const char* name, const char* value,
-                  bool copies) {
-  if (copies && name != node.attr[2 * i]) release(name);
-  if (value == node.attr[2 * i + 1]) return;
+void replaceValue(XmlNode& node, std::size_t count, std::size_t i, const char* name,
+                  const char* value, bool copies) {
+  if (copies && name != node.attr[2 * i]) {
+    release(name);
+  }
+  if (value == node.attr[2 * i + 1]) {
+    return;
+  }
   char owner = node.attr[2 * count + 1][i];
   bool owned = (owner & internal::kValueOwned) != 0;
-  if (owned) release(node.attr[2 * i + 1]);
+  if (owned) {
+    release(node.attr[2 * i + 1]);
+  }
   if (owned != copies) {
     ownAttributes(node, count, count)[i] = static_cast<char>(owner ^ internal::kValueOwned);
   }
@@ -65,10 +71,10 @@ void replaceValue(XmlNode& node, size_t count, size_t i, const char* name, const
 
 // An element may carry a name twice: all its pairs go. The name given may be a stored one, so it is
 // released last, and once.
-void removePairs(XmlNode& node, size_t count, const char* name, bool copies) {
+void removePairs(XmlNode& node, std::size_t count, const char* name, bool copies) {
   char* owners = ownAttributes(node, count, count);
-  size_t kept = 0;
-  for (size_t i = 0; i != count; ++i) {
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i != count; ++i) {
     const char** pair = node.attr + 2 * i;
     char owner = owners[i];
     if (std::strcmp(pair[0], name) != 0) {
@@ -82,54 +88,62 @@ void removePairs(XmlNode& node, size_t count, const char* name, bool copies) {
     } else if (nameOwned) {
       release(pair[0]);
     }
-    if ((owner & internal::kValueOwned) != 0) release(pair[1]);
+    if ((owner & internal::kValueOwned) != 0) {
+      release(pair[1]);
+    }
   }
-  if (copies) release(name);
+  if (copies) {
+    release(name);
+  }
   node.attr[2 * kept] = nullptr;
   node.attr[2 * kept + 1] = owners;
   owners[kept] = '\0';
-  if (kept != 0) return;
+  if (kept != 0) {
+    return;
+  }
   std::free(owners);
   std::free(node.attr);
   node.attr = internal::noAttributes();
-  node.flags &= static_cast<uint8_t>(~kOwnAttributes);
-}
-
-XmlNode* newNode(const XmlNode* parent) {
-  auto* root = static_cast<internal::RootImpl*>(internal::rootOf(parent));
-  if (root->nodes.full()) {
-    root->nodes.grow(std::clamp<size_t>(root->nodes.count() / 2, 8, 256));
-  }
-  return root->nodes.take();
+  node.flags &= static_cast<std::uint8_t>(~kOwnAttributes);
 }
 
 // `firsts` is a parent's list of first elements by name, `ordered` its children in document order.
 // The first list keeps that order too, which makes the first child the head of both.
 void addFirst(XmlNode* ordered, XmlNode** firsts, XmlNode* node) {
   for (XmlNode* at = ordered; at != node; at = at->ordered) {
-    if (at == *firsts) firsts = &at->sibling;
+    if (at == *firsts) {
+      firsts = &at->sibling;
+    }
   }
   node->sibling = *firsts;
   *firsts = node;
 }
 
 void removeFirst(XmlNode** firsts, XmlNode* node) {
-  while (*firsts != node) firsts = &(*firsts)->sibling;
+  while (*firsts != node) {
+    firsts = &(*firsts)->sibling;
+  }
   *firsts = node->sibling;
   node->sibling = nullptr;
 }
 
 // Takes a node out of a list linked by `link`. False when it is not there.
 bool removeFrom(XmlNode** list, XmlNode* XmlNode::*link, const XmlNode* node) {
-  while (*list != nullptr && *list != node) list = &((*list)->*link);
-  if (*list == nullptr) return false;
+  while (*list != nullptr && *list != node) {
+    list = &((*list)->*link);
+  }
+  if (*list == nullptr) {
+    return false;
+  }
   *list = node->*link;
   return true;
 }
 
 // Puts a node into a list linked by `link`, behind all that stand no later in the parent's text.
 void insertByOffset(XmlNode** list, XmlNode* XmlNode::*link, XmlNode* node) {
-  while (*list != nullptr && (*list)->off <= node->off) list = &((*list)->*link);
+  while (*list != nullptr && (*list)->off <= node->off) {
+    list = &((*list)->*link);
+  }
   node->*link = *list;
   *list = node;
 }
@@ -137,20 +151,26 @@ void insertByOffset(XmlNode** list, XmlNode* XmlNode::*link, XmlNode* node) {
 }  // namespace
 
 XmlNode* setText(XmlNode* node, const char* text) {
-  if (node == nullptr || text == node->txt) return node;
+  if (node == nullptr || text == node->txt) {
+    return node;
+  }
   if ((node->flags & (kTextAllocated | internal::kTextInBlock)) == kTextAllocated) {
     release(node->txt);
   }
-  node->flags &= static_cast<uint8_t>(~(kTextAllocated | internal::kTextInBlock));
+  node->flags &= static_cast<std::uint8_t>(~(kTextAllocated | internal::kTextInBlock));
   node->txt = text == nullptr ? "" : text;
   return node;
 }
 
 XmlNode* setAttr(XmlNode* node, const char* name, const char* value) {
-  if (node == nullptr || name == nullptr) return node;
-  size_t count = countPairs(*node);
-  size_t i = 0;
-  while (i != count && std::strcmp(node->attr[2 * i], name) != 0) ++i;
+  if (node == nullptr || name == nullptr) {
+    return node;
+  }
+  std::size_t count = countPairs(*node);
+  std::size_t i = 0;
+  while (i != count && std::strcmp(node->attr[2 * i], name) != 0) {
+    ++i;
+  }
   bool copies = (node->flags & kAttributesAllocated) != 0;
   if (value == nullptr) {
     if (i != count) {
@@ -166,16 +186,12 @@ XmlNode* setAttr(XmlNode* node, const char* name, const char* value) {
   return node;
 }
 
-XmlNode* addChild(XmlNode* parent, const char* name, size_t off) {
-  if (parent == nullptr || name == nullptr) return nullptr;
-  XmlNode* node = newNode(parent);
-  *node = {};
-  node->name = name;
-  node->attr = internal::noAttributes();
-  node->txt = "";
-  node->off = off;
-  node->parent = parent;
-
+XmlNode* addChild(XmlNode* parent, const char* name, std::size_t off) {
+  if (parent == nullptr || name == nullptr) {
+    return nullptr;
+  }
+  XmlNode* const node =
+      internal::newNode(*internal::rootOf(parent), parent, name, internal::noAttributes(), off);
   XmlNode* sameName = child(parent, name);
   XmlNode* firsts = parent->child;
   insertByOffset(&parent->child, &XmlNode::ordered, node);
@@ -183,26 +199,33 @@ XmlNode* addChild(XmlNode* parent, const char* name, size_t off) {
     insertByOffset(&sameName, &XmlNode::next, node);
     return node;
   }
-  if (sameName != nullptr) removeFirst(&firsts, sameName);
+  if (sameName != nullptr) {
+    removeFirst(&firsts, sameName);
+  }
   node->next = sameName;
   addFirst(parent->child, &firsts, node);
   return node;
 }
 
 XmlNode* cut(XmlNode* node) {
-  if (node == nullptr || node->parent == nullptr) return node;
+  if (node == nullptr || node->parent == nullptr) {
+    return node;
+  }
   XmlNode* firsts = node->parent->child;
   XmlNode* sameName = child(node->parent, node->name);
   if (removeFrom(&node->parent->child, &XmlNode::ordered, node)) {
+    internal::rootOf(node)->loose.push_back(node);
     if (sameName != node) {
       removeFrom(&sameName, &XmlNode::next, node);
     } else {
       removeFirst(&firsts, node);
-      if (node->next != nullptr) addFirst(node->parent->child, &firsts, node->next);
+      if (node->next != nullptr) {
+        addFirst(node->parent->child, &firsts, node->next);
+      }
     }
   }
   node->next = node->sibling = node->ordered = nullptr;
   return node;
 }
 
-}  // namespace xml
+}  // namespace onu::xml

@@ -3,59 +3,68 @@
 
 #include "xml/memory.h"
 
-namespace xml {
+namespace onu::xml {
 
 XmlNode* child(const XmlNode* node, const char* name) {
-  if (node == nullptr || name == nullptr) return nullptr;
+  if (node == nullptr || name == nullptr) {
+    return nullptr;
+  }
   XmlNode* found = node->child;
-  while (found != nullptr && std::strcmp(found->name, name) != 0) found = found->sibling;
+  while (found != nullptr && std::strcmp(found->name, name) != 0) {
+    found = found->sibling;
+  }
   return found;
 }
 
 XmlNode* idx(XmlNode* node, int n) {
-  while (node != nullptr && n-- > 0) node = node->next;
+  while (node != nullptr && n-- > 0) {
+    node = node->next;
+  }
   return node;
 }
 
 const char* attr(const XmlNode* node, const char* name) {
-  if (node == nullptr || name == nullptr) return nullptr;
-  for (const char** pair = node->attr; *pair != nullptr; pair += 2) {
-    if (std::strcmp(pair[0], name) == 0) return pair[1];
+  if (node == nullptr || name == nullptr) {
+    return nullptr;
   }
-  if (node->name == nullptr) return nullptr;
+  for (const char** pair = node->attr; *pair != nullptr; pair += 2) {
+    if (std::strcmp(pair[0], name) == 0) {
+      return pair[1];
+    }
+  }
+  if (node->name == nullptr) {
+    return nullptr;
+  }
   for (const char*** list = internal::rootOf(node)->attr; *list != nullptr; ++list) {
     const char** text = *list;
-    if (std::strcmp(*text++, node->name) != 0) continue;
+    if (std::strcmp(*text++, node->name) != 0) {
+      continue;
+    }
     for (; *text != nullptr; text += 3) {
-      if (std::strcmp(text[0], name) == 0) return text[1];
+      if (std::strcmp(text[0], name) == 0) {
+        return text[1];
+      }
     }
   }
   return nullptr;
 }
 
-namespace {
-
-bool isEnd(const Step& step) { return step.name == nullptr || step.name[0] == '\0'; }
-
-XmlNode* walk(XmlNode* node, const Step* step, const Step* end) {
-  for (; node != nullptr && step != end && !isEnd(*step); ++step) {
-    node = child(node, step->name);
-    if (step->index < 0) break;
-    node = idx(node, step->index);
+XmlNode* get(XmlNode* node, std::initializer_list<Step> steps) {
+  for (const Step& step : steps) {
+    if (node == nullptr || step.name == nullptr || step.name[0] == '\0') {
+      break;
+    }
+    node = child(node, step.name);
+    if (step.index < 0) {
+      break;
+    }
+    node = idx(node, step.index);
   }
   return node;
 }
-
-}  // namespace
-
-XmlNode* get(XmlNode* node, std::initializer_list<Step> steps) {
-  return walk(node, steps.begin(), steps.end());
-}
-
-XmlNode* get(XmlNode* node, const Step* steps) { return walk(node, steps, nullptr); }
 
 const char* error(const XmlNode* node) {
   return node == nullptr ? "" : internal::rootOf(node)->err;
 }
 
-}  // namespace xml
+}  // namespace onu::xml

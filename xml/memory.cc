@@ -5,114 +5,102 @@
 #include <cstring>
 #include <utility>
 
-namespace xml::internal {
+namespace onu::xml::internal {
 
 namespace {
 
-constexpr size_t kSmallestBlock = 256;
-constexpr size_t kLargestBlock = 16384;
-constexpr size_t kSharedOwners = 32;
-constexpr const char kAllBorrowed[kSharedOwners + 1] = "                                ";
-constexpr const char* kNoAttributes[] = {nullptr, ""};
 const char** const kNoLists[] = {nullptr};
-
 constexpr const char* kPredefined[2 * kPredefinedEntities + 1] = {
     "lt;", "&#60;", "gt;", "&#62;", "quot;", "&#34;", "apos;", "&#39;", "amp;", "&#38;", nullptr};
 
-// Set in elements that may own heap memory.
-constexpr uint8_t kMayOwn = kNameAllocated | kTextAllocated | kOwnAttributes;
-
-void release(const void* memory) { std::free(const_cast<void*>(memory)); }
-
 void releaseAttributes(const XmlNode& node) {
-  size_t count = 0;
-  while (node.attr[count] != nullptr) ++count;
-  const char* owners = node.attr[count + 1];
-  for (size_t i = 0; i < count; ++i) {
-    if ((owners[i / 2] & (i % 2 == 0 ? kNameOwned : kValueOwned)) != 0) release(node.attr[i]);
+  std::size_t count = 0;
+  while (node.attr[count] != nullptr) {
+    ++count;
+  }
+  const char* const owners = node.attr[count + 1];
+  for (std::size_t i = 0; i < count; ++i) {
+    if ((owners[i / 2] & (i % 2 == 0 ? kNameOwned : kValueOwned)) != 0) {
+      release(node.attr[i]);
+    }
   }
   release(owners);
   release(node.attr);
 }
 
-void releaseNode(const XmlNode& node) {
-  if ((node.flags & kMayOwn) == 0) return;
-  if ((node.flags & kNameAllocated) != 0) release(node.name);
-  if ((node.flags & (kTextAllocated | kTextInBlock)) == kTextAllocated) release(node.txt);
-  if ((node.flags & kOwnAttributes) != 0) releaseAttributes(node);
+// What the elements of a subtree own on the heap.
+void releaseTexts(const XmlNode* top) {
+  for (const XmlNode* node = top; node != nullptr; node = following(node, top)) {
+    if ((node->flags & kNameAllocated) != 0) {
+      release(node->name);
+    }
+    if ((node->flags & (kTextAllocated | kTextInBlock)) == kTextAllocated) {
+      release(node->txt);
+    }
+    if ((node->flags & kOwnAttributes) != 0) {
+      releaseAttributes(*node);
+    }
+  }
 }
 
 }  // namespace
 
-void* allocate(size_t bytes) { return reallocate(nullptr, bytes); }
+void* allocate(std::size_t bytes) { return reallocate(nullptr, bytes); }
 
-void* reallocate(void* old, size_t bytes) {
-  void* memory = std::realloc(old, bytes);
-  if (memory == nullptr) std::abort();
+void* reallocate(void* old, std::size_t bytes) {
+  void* const memory = std::realloc(old, bytes);
+  if (memory == nullptr) {
+    std::abort();
+  }
   return memory;
 }
 
-const char** noAttributes() { return const_cast<const char**>(kNoAttributes); }
+void release(const void* memory) { std::free(const_cast<void*>(memory)); }
 
-const char* borrowedText(size_t count) {
-  return count > kSharedOwners ? nullptr : kAllBorrowed + (kSharedOwners - count);
-}
-
-NodeStore::~NodeStore() {
-  if (slab_ != nullptr) slab_->end = next_;
-  while (slab_ != nullptr) {
-    for (const XmlNode* node = first(); node != slab_->end; ++node) releaseNode(*node);
-    std::free(std::exchange(slab_, slab_->older));
+Arena::~Arena() {
+  while (block_ != nullptr) {
+    std::free(std::exchange(block_, block_->older));
   }
 }
 
-void NodeStore::grow(size_t count) {
-  before_ = this->count();
-  if (slab_ != nullptr) slab_->end = next_;
-  auto* slab = static_cast<Slab*>(allocate(sizeof(Slab) + count * sizeof(XmlNode)));
-  slab->older = std::exchange(slab_, slab);
-  next_ = first();
-  end_ = next_ + count;
-}
-
-// Blocks of an eighth of the input: few, and little of the last one is wasted.
-void Arena::expect(size_t inputBytes) {
-  blockSize_ = std::clamp(inputBytes / 8, kSmallestBlock, kLargestBlock);
-}
-
-Arena::~Arena() {
-  while (block_ != nullptr) std::free(std::exchange(block_, block_->older));
-}
-
-char* Arena::fromNewBlock(size_t bytes) {
-  size_t size = bytes > blockSize_ / 2 ? bytes : blockSize_;
-  auto* block = static_cast<Block*>(allocate(sizeof(Block) + size));
+char* Arena::newBlock(std::size_t bytes) {
+  auto* const block = static_cast<Block*>(allocate(sizeof(Block) + bytes));
   block->older = std::exchange(block_, block);
-  char* start = reinterpret_cast<char*>(block + 1);
-  if (size == bytes) return start;
-  next_ = start + bytes;
-  end_ = start + size;
-  return start;
+  return reinterpret_cast<char*>(block + 1);
 }
 
-char* Arena::copy(const char* from, size_t length) {
-  char* to = text(length + 1);
-  if (length != 0) std::memcpy(to, from, length);
+void Arena::startBlock(std::size_t bytes) {
+  const std::size_t size = std::max(bytes, blockSize_);
+  next_ = newBlock(size);
+  end_ = next_ + size;
+}
+
+// What is large has a block of its own, and the one in use stays.
+char* Arena::takeFromNewBlock(std::size_t bytes) {
+  if (bytes > blockSize_ / 2) {
+    return newBlock(bytes);
+  }
+  startBlock(bytes);
+  return take(bytes);
+}
+
+char* Arena::copy(const char* from, std::size_t length) {
+  char* const to = take(length + 1);
+  if (length != 0) {
+    std::memcpy(to, from, length);
+  }
   to[length] = '\0';
   return to;
 }
 
-char* Arena::pointers(size_t count) {
-  auto misaligned = reinterpret_cast<uintptr_t>(next_) % alignof(void*);
-  auto gap = misaligned == 0 ? 0 : alignof(void*) - misaligned;
-  if (static_cast<size_t>(end_ - next_) < gap + count * sizeof(void*)) {
-    return fromNewBlock(count * sizeof(void*));
-  }
-  return text(gap + count * sizeof(void*)) + gap;
-}
-
-RootImpl* newRoot() {
-  auto* root = new RootImpl();
+RootImpl* newRoot(char* data, std::size_t length) {
+  auto* const root = new RootImpl();
+  root->words.expect(std::clamp<std::size_t>(length / 4, 512, 16384));
+  root->texts.expect(std::clamp<std::size_t>(length / 8, 256, 16384));
+  root->m = data;
+  root->len = static_cast<std::ptrdiff_t>(length);
+  root->s = data;
+  root->e = data + length;
   std::memcpy(root->predefined, kPredefined, sizeof(kPredefined));
   root->xml.attr = noAttributes();
   root->xml.txt = "";
@@ -122,16 +110,41 @@ RootImpl* newRoot() {
   return root;
 }
 
-}  // namespace xml::internal
-
-namespace xml {
-
-void freeDoc(XmlRoot* root) {
-  if (root == nullptr) return;
-  internal::releaseNode(root->xml);
-  if (root->len < 0) std::free(root->m);
-  std::free(root->u);
-  delete static_cast<internal::RootImpl*>(root);
+RootImpl* rootOf(const XmlNode* node) {
+  while (node->parent != nullptr) {
+    node = node->parent;
+  }
+  return static_cast<RootImpl*>(reinterpret_cast<XmlRoot*>(const_cast<XmlNode*>(node)));
 }
 
-}  // namespace xml
+const XmlNode* following(const XmlNode* node, const XmlNode* top) {
+  if (node->child != nullptr) {
+    return node->child;
+  }
+  while (node != top && node->ordered == nullptr) {
+    node = node->parent;
+  }
+  return node == top ? nullptr : node->ordered;
+}
+
+}  // namespace onu::xml::internal
+
+namespace onu::xml {
+
+void freeDoc(XmlRoot* root) {
+  if (root == nullptr) {
+    return;
+  }
+  auto* const impl = static_cast<internal::RootImpl*>(root);
+  internal::releaseTexts(&root->xml);
+  for (const XmlNode* node : impl->loose) {
+    internal::releaseTexts(node);
+  }
+  if (root->len < 0) {
+    std::free(root->m);
+  }
+  std::free(root->u);
+  delete impl;
+}
+
+}  // namespace onu::xml

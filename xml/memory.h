@@ -1,16 +1,18 @@
-// What a document owns behind its listed fields: element slabs and blocks for arrays and texts.
+// What a document owns behind its listed fields.
 #pragma once
+
+#include <vector>
 
 #include "xml/xml.h"
 
-namespace xml::internal {
+namespace onu::xml::internal {
 
 // Bits of XmlNode::flags next to the public ones.
 // With kTextAllocated: txt lies in a block and is never freed alone. Nothing else follows from it,
 // since txt may have been stored over.
-constexpr uint8_t kTextInBlock = 0x10;
+constexpr std::uint8_t kTextInBlock = 0x10;
 // attr and its owner text are heap allocations.
-constexpr uint8_t kOwnAttributes = 0x08;
+constexpr std::uint8_t kOwnAttributes = 0x08;
 
 // Bytes of the text that follows the attribute array, one per attribute: bits on top of a blank.
 constexpr char kBorrowed = ' ';
@@ -18,48 +20,18 @@ constexpr char kNameOwned = 1;
 constexpr char kValueOwned = 2;
 
 // Heap memory; a process that cannot get it ends.
-void* allocate(size_t bytes);
-void* reallocate(void* old, size_t bytes);
+void* allocate(std::size_t bytes);
+void* reallocate(void* old, std::size_t bytes);
+
+// Releases a heap text of the tree.
+void release(const void* memory);
 
 // The array of elements without attributes.
-const char** noAttributes();
+inline constexpr const char* kNoAttributes[] = {nullptr, ""};
+inline const char** noAttributes() { return const_cast<const char**>(kNoAttributes); }
 
-// The owner text for `count` attributes of which the tree owns none; NULL when longer than the
-// shared one.
-const char* borrowedText(size_t count);
-
-// Elements, in slabs that are released together. An element never moves.
-class NodeStore {
- public:
-  NodeStore() = default;
-  NodeStore(const NodeStore&) = delete;
-  NodeStore& operator=(const NodeStore&) = delete;
-  ~NodeStore();
-
-  bool full() const { return next_ == end_; }
-  // Makes room for `count` further elements.
-  void grow(size_t count);
-  // Uninitialised memory for one element. The store must not be full.
-  XmlNode* take() { return next_++; }
-  // Elements taken so far.
-  size_t count() const {
-    return slab_ == nullptr ? 0 : before_ + static_cast<size_t>(next_ - first());
-  }
-
- private:
-  struct Slab {
-    Slab* older;
-    XmlNode* end;  // behind the last element taken
-  };
-  XmlNode* first() const { return reinterpret_cast<XmlNode*>(slab_ + 1); }
-
-  XmlNode* next_ = nullptr;
-  XmlNode* end_ = nullptr;
-  Slab* slab_ = nullptr;
-  size_t before_ = 0;
-};
-
-// Arrays and texts, released together.
+// Memory of a document that is released with it, from blocks: an element costs six instructions
+// here, malloc and free of it some two hundred.
 class Arena {
  public:
   Arena() = default;
@@ -68,51 +40,70 @@ class Arena {
   ~Arena();
 
   // Fits the size of the blocks to that of the input.
-  void expect(size_t inputBytes);
+  void expect(std::size_t blockSize) { blockSize_ = blockSize; }
 
-  char* text(size_t bytes) {
-    if (static_cast<size_t>(end_ - next_) < bytes) return fromNewBlock(bytes);
-    char* result = next_;
+  // Every block is aligned for pointers, and so is all that is taken where only arrays of pointers
+  // and elements are.
+  char* take(std::size_t bytes) {
+    char* const place = next_;
+    if (left() < bytes) {
+      return takeFromNewBlock(bytes);
+    }
     next_ += bytes;
-    return result;
+    return place;
   }
-  // A copy with a NUL behind it.
-  char* copy(const char* from, size_t length);
   // An array of pointers, not initialised.
   template <typename Pointer>
-  Pointer* array(size_t count) {
-    static_assert(sizeof(Pointer) == sizeof(void*), "aligned for pointers");
-    return reinterpret_cast<Pointer*>(pointers(count));
+  Pointer* array(std::size_t count) {
+    return reinterpret_cast<Pointer*>(take(count * sizeof(Pointer)));
   }
+  // A copy with a NUL behind it.
+  char* copy(const char* from, std::size_t length);
+
+  // For what grows until its size is known: where the next piece will lie, how much room is there,
+  // a new block where that does not do, and where the piece ends.
+  char* next() const { return next_; }
+  std::size_t left() const { return static_cast<std::size_t>(end_ - next_); }
+  void startBlock(std::size_t bytes);
+  void takeUpTo(char* end) { next_ = end; }
 
  private:
   struct Block {
     Block* older;
   };
-  char* fromNewBlock(size_t bytes);
-  char* pointers(size_t count);
+  char* newBlock(std::size_t bytes);
+  char* takeFromNewBlock(std::size_t bytes);
 
   char* next_ = nullptr;
   char* end_ = nullptr;
   Block* block_ = nullptr;
-  size_t blockSize_ = 256;
+  std::size_t blockSize_ = 0;
 };
 
-constexpr size_t kPredefinedEntities = 5;
+constexpr std::size_t kPredefinedEntities = 5;
 
 struct RootImpl : XmlRoot {
-  NodeStore nodes;
-  Arena arena;
+  Arena words;                  // elements and arrays of pointers
+  Arena texts;                  // what is not in the input
+  std::vector<XmlNode*> loose;  // elements that were cut
   const char* predefined[2 * kPredefinedEntities + 1];
 };
 
-// A document with empty tables and no element.
-RootImpl* newRoot();
+// A document for `length` bytes of data, with empty tables and no element.
+RootImpl* newRoot(char* data, std::size_t length);
 
-// The document at the top of a node's parents.
-inline XmlRoot* rootOf(const XmlNode* node) {
-  while (node->parent != nullptr) node = node->parent;
-  return reinterpret_cast<XmlRoot*>(const_cast<XmlNode*>(node));
+// An element that is linked to nothing but its parent.
+inline XmlNode* newNode(RootImpl& root, XmlNode* parent, const char* name, const char** attributes,
+                        std::size_t off) {
+  auto* const node = reinterpret_cast<XmlNode*>(root.words.take(sizeof(XmlNode)));
+  *node = {name, attributes, "", off, nullptr, nullptr, nullptr, nullptr, parent, 0};
+  return node;
 }
 
-}  // namespace xml::internal
+// The document at the top of a node's parents.
+RootImpl* rootOf(const XmlNode* node);
+
+// The element behind this one in the document order of a subtree, nullptr behind the last.
+const XmlNode* following(const XmlNode* node, const XmlNode* top);
+
+}  // namespace onu::xml::internal

@@ -1,206 +1,304 @@
 // Everything between the tags, and the course of a parse.
 #include <algorithm>
 #include <charconv>
-#include <string_view>
 
 #include "xml/parser.h"
-#include "xml/utf16.h"
+#include "xml/utf.h"
 
-namespace xml::internal {
+namespace onu::xml::internal {
 
 namespace {
 
-ptrdiff_t countLines(const char* p, const char* e) {
-  ptrdiff_t lines = 0;
-  while (p != e && (p = static_cast<const char*>(
-                        std::memchr(p, '\n', static_cast<size_t>(e - p)))) != nullptr) {
-    ++lines;
-    ++p;
-  }
-  return lines;
-}
+std::ptrdiff_t countLines(const char* p, const char* e) { return std::count(p, e, '\n'); }
 
 // Whether an XML declaration's text, which is read as far as it holds pairs of a name and a quoted
 // value, sets "standalone" to yes.
-bool saysStandalone(char* p, const char* e) {
+bool saysStandalone(const char* p, const char* e) {
   for (;;) {
-    const char* name = p = skipSpace(p, e);
-    while (p != e && !isSpace(*p) && *p != '=') ++p;
-    bool isStandalone = p - name == 10 && std::memcmp(name, "standalone", 10) == 0;
     p = skipSpace(p, e);
-    if (p == e || *p != '=') return false;
-    char* quote = skipSpace(p + 1, e);
-    if (quote == e || (*quote != '"' && *quote != '\'')) return false;
-    const char* behind = afterText(quote + 1, e, quote, 1);
-    if (behind == nullptr) return false;
-    p = quote + (behind - quote);
-    if (isStandalone) return p - quote == 5 && std::memcmp(quote + 1, "yes", 3) == 0;
+    const char* const name = p;
+    while (p != e && !isSpace(*p) && *p != '=') {
+      ++p;
+    }
+    const bool isStandalone =
+        std::string_view(name, static_cast<std::size_t>(p - name)) == "standalone";
+    p = skipSpace(p, e);
+    if (p == e || *p != '=') {
+      return false;
+    }
+    const char* const quote = skipSpace(p + 1, e);
+    if (quote == e || (*quote != '"' && *quote != '\'')) {
+      return false;
+    }
+    p = behindText(quote + 1, e, {quote, 1});
+    if (p == nullptr) {
+      return false;
+    }
+    if (isStandalone) {
+      return p - quote == 5 && startsWith(quote + 1, e, "yes");
+    }
   }
-}
-
-// Writes the parts one after another, as far as they fit.
-void fillError(char (&error)[sizeof(XmlRoot::err)], std::initializer_list<std::string_view> parts) {
-  size_t length = 0;
-  for (std::string_view part : parts) {
-    length += part.copy(error + length, sizeof(error) - 1 - length);
-  }
-  error[length] = '\0';
 }
 
 }  // namespace
 
-void Parser::run() {
-  if (content(p_, nullptr)) {
-    while (markup()) {
-    }
-  }
-  end();
+// Of no data, a byte of our own is the last.
+Parser::Parser(RootImpl& root)
+    : root_(root), e_(root.e), last_(root.s == root.e ? &lastByte_ : root.e - 1), stop_(root.e) {
+  lastByte_ = root.s == root.e ? '\0' : *last_;
+  hideLast();
+  open_.reserve(kFewGroups);
 }
 
 void Parser::end() {
-  if (!failed_ && builder_.isOpen()) fail(p_, "unclosed tag <%s>", builder_.openName());
-  if (!failed_ && !builder_.hasRoot()) fail(p_, "root tag missing");
-  root_.cur = builder_.isOpen() ? builder_.openNode() : nullptr;
-  builder_.closeAll();
+  if (!failed_ && top_ != nullptr) {
+    fail(stop_, "unclosed tag <%s>", {top_->node->name, top_->nameLength});
+  }
+  if (!failed_ && !hasRoot()) {
+    fail(stop_, "root tag missing");
+  }
+  root_.cur = top_ == nullptr ? nullptr : top_->node;
+  while (top_ != nullptr) {
+    close();
+  }
   if (instructions_ != nullptr) {
-    instructions_->publish(root_);
+    publishInstructions();
   }
   if (doctype_ != nullptr) {
     doctype_->publish();
   }
 }
 
-// Character data of the open element, where bytes from `stop` on have to be decoded.
-bool Parser::decodedContent(char* text, char* stop) {
-  p_ = find<MarkupOrEnd>(stop, e_);
-  if (peek(p_) == '\0') return false;
-  Decoded decoded = decode(text, static_cast<size_t>(p_ - text), Mode::kContent);
-  builder_.appendText(decoded.text, decoded.length, decoded.inPlace);
-  return true;
-}
-
-bool Parser::outsideContent(char* text, char* stop) {
-  stop = find<MarkupOrEnd>(stop, e_);
-  if (builder_.hasRoot()) {
-    text = skipSpace(text, stop);
-    if (text != stop) return fail(text, kOutside);
+// The first byte wanted at or after p, or the end of the data.
+char* Parser::find(char* p, char wanted) const {
+  if (p == e_) {
+    return p;
   }
-  p_ = stop;
-  return peek(stop) != '\0';
-}
-
-bool Parser::declaration() {
-  if (goesOn(p_ + 1, "!--", 3)) return comment();
-  if (goesOn(p_ + 1, "![CDATA[", 8)) return characterData();
-  if (goesOn(p_ + 1, "!DOCTYPE", 8)) return documentType();
-  return fail(p_, "unexpected <");
-}
-
-bool Parser::comment() {
-  char* close = findText<'-'>(p_ + 4, e_, "-->", 3);
-  if (close == nullptr) return fail(p_, "unclosed <!--");
-  return content(close + 3, nullptr);
-}
-
-bool Parser::characterData() {
-  if (!builder_.isOpen()) return fail(p_, kOutside);
-  char* text = p_ + 9;
-  char* close = findText<']'>(text, e_, "]]>", 3);
-  if (close == nullptr) return fail(p_, "unclosed <![CDATA[");
-  builder_.appendText(text, static_cast<size_t>(close - text), true);
-  return content(close + 3, nullptr);
-}
-
-bool Parser::documentType() {
-  for (char* p = p_ + 9; peek(p) != '\0'; ++p) {
-    if (*p == '>') return content(p + 1, nullptr);
-    if (*p == '[') return internalSubset(p + 1);
-    if (*p != '"' && *p != '\'') continue;
-    char* close = *p == '"' ? find<OneOrEnd<'"'>>(p + 1, e_) : find<OneOrEnd<'\''>>(p + 1, e_);
-    if (peek(close) != '\0') p = close;
+  while (*p != wanted && *p != '\0') {
+    ++p;
   }
-  return fail(p_, "unclosed <!DOCTYPE");
+  return p == last_ && lastByte_ != wanted ? e_ : p;
 }
 
-bool Parser::internalSubset(char* start) {
-  if (doctype_ == nullptr) {
-    if (void* nul = std::memchr(start, '\0', static_cast<size_t>(e_ - start)); nul != nullptr) {
-      e_ = static_cast<char*>(nul);
+char* Parser::skipSpaces(char* p) const {
+  while (isSpace(peek(p))) {
+    ++p;
+  }
+  return p;
+}
+
+// The place of the first mark behind which a '>' stands, or nullptr.
+char* Parser::closing(char* text, std::string_view mark) const {
+  for (char* p = find(text, '>'); peek(p) == '>'; p = find(p + 1, '>')) {
+    if (static_cast<std::size_t>(p - text) >= mark.size() && startsWith(p - mark.size(), p, mark)) {
+      return p - mark.size();
     }
-    doctype_ = std::make_unique<Doctype>(root_, decoder_);
-    decoder_.setEntities(&doctype_->entities());
   }
-  const char* close = doctype_->subsetEnd(start, e_);
+  return nullptr;
+}
+
+// The markup that starts at p, or the end of the data.
+char* Parser::markupAt(char* p) {
+  if (peek(p) == '\0') {
+    stop_ = p;
+    return nullptr;
+  }
+  return p == last_ ? fail(p, kUnexpected) : p;
+}
+
+// Character data of the open element, where bytes from `stop` on have to be decoded.
+char* Parser::oddContent(char* text, char* stop) {
+  stop = find(stop, '<');
+  if (peek(stop) == '\0') {
+    return markupAt(stop);
+  }
+  const Decoded decoded = decode(text, static_cast<std::size_t>(stop - text), Mode::kContent);
+  if (decoded.inPlace) {
+    appendText(decoded.text, decoded.length);
+  } else if (decoded.length != 0) {
+    appendPiece(decoded.text, decoded.length, false);
+  }
+  return stop == last_ ? fail(stop, kUnexpected) : stop;
+}
+
+char* Parser::outsideContent(char* text) {
+  char* const stop = find(text, '<');
+  if (hasRoot()) {
+    text = skipSpaces(text);
+    if (text < stop) {
+      return fail(text, kOutside);
+    }
+  }
+  return markupAt(stop);
+}
+
+// Any markup but tags.
+char* Parser::otherMarkup(char* p) {
+  const char c = peek(p + 1);
+  if (c == '?') {
+    return instruction(p);
+  }
+  return c == '!' ? declaration(p) : fail(p, kUnexpected);
+}
+
+char* Parser::declaration(char* p) {
+  showLast();
+  const bool isComment = startsWith(p + 1, e_, "!--");
+  const bool isCharacterData = startsWith(p + 1, e_, "![CDATA[");
+  const bool isDocumentType = startsWith(p + 1, e_, "!DOCTYPE");
+  hideLast();
+  if (isComment) {
+    return comment(p);
+  }
+  if (isCharacterData) {
+    return characterData(p);
+  }
+  return isDocumentType ? documentType(p) : fail(p, kUnexpected);
+}
+
+char* Parser::comment(char* p) {
+  char* const close = closing(p + 4, "--");
+  return close == nullptr ? fail(p, "unclosed <!--") : close + 3;
+}
+
+char* Parser::characterData(char* p) {
+  if (top_ == nullptr) {
+    return fail(p, kOutside);
+  }
+  char* const text = p + 9;
+  char* const close = closing(text, "]]");
   if (close == nullptr) {
-    return fail(p_, "unclosed <!DOCTYPE");
+    return fail(p, "unclosed <![CDATA[");
   }
-  const auto length = static_cast<size_t>(close - start);
-  const DoctypeError error = doctype_->read(start, length);
+  appendText(text, static_cast<std::size_t>(close - text));
+  return close + 3;
+}
+
+char* Parser::documentType(char* start) {
+  for (char* p = start + 9; peek(p) != '\0'; ++p) {
+    const char c = peek(p);
+    if (c == '>') {
+      return p + 1;
+    }
+    if (c == '[') {
+      return internalSubset(start, p + 1);
+    }
+    char* const close = c == '"' || c == '\'' ? find(p + 1, c) : p;
+    p = peek(close) == c ? close : p;
+  }
+  return fail(start, "unclosed <!DOCTYPE");
+}
+
+char* Parser::internalSubset(char* p, char* start) {
+  showLast();
+  if (doctype_ == nullptr) {
+    e_ = std::find(start, e_, '\0');
+    doctype_ = std::make_unique<Doctype>(root_, decoder_);
+  }
+  const char* const close = doctype_->subsetEnd(start, e_);
+  if (close == nullptr) {
+    return fail(p, "unclosed <!DOCTYPE");
+  }
+  const auto length = static_cast<std::size_t>(close - start);
+  const DoctypeError error = doctype_->read({start, length});
+  hideLast();
   if (error.message != nullptr) {
     return fail(error.place, error.message, error.argument);
   }
-  return content(skipSpace(start + length + 1, e_) + 1, nullptr);
+  return skipSpaces(start + length + 1) + 1;
 }
 
 // The XML declaration is looked at, other instructions are kept.
-bool Parser::instruction() {
-  char* target = p_ + 2;
-  char* close = findText<'?'>(target, e_, "?>", 2);
-  if (close == nullptr) return fail(p_, "unclosed <?");
-  char* targetEnd = target;
-  while (targetEnd != close && !isSpace(*targetEnd)) ++targetEnd;
-  auto length = static_cast<size_t>(targetEnd - target);
-  char* text = skipSpace(targetEnd, close);
-  if (length == 3 && std::memcmp(target, "xml", 3) == 0) {
-    if (!builder_.hasRoot() && saysStandalone(text, close)) root_.standalone = 1;
-  } else {
-    if (instructions_ == nullptr) instructions_ = std::make_unique<Instructions>();
-    terminate(targetEnd);
-    *close = '\0';
-    instructions_->add(target, length, text, !builder_.hasRoot());
+char* Parser::instruction(char* p) {
+  char* const target = p + 2;
+  char* const close = closing(target, "?");
+  if (close == nullptr) {
+    return fail(p, "unclosed <?");
   }
-  return content(close + 2, nullptr);
+  char* targetEnd = target;
+  while (targetEnd != close && !isSpace(*targetEnd)) {
+    ++targetEnd;
+  }
+  const std::string_view name(target, static_cast<std::size_t>(targetEnd - target));
+  char* const text = skipSpace(targetEnd, close);
+  if (name == "xml") {
+    if (!hasRoot() && saysStandalone(text, close)) {
+      root_.standalone = 1;
+    }
+    return close + 2;
+  }
+  terminate(targetEnd);
+  *close = '\0';
+  if (instructions_ == nullptr) {
+    instructions_ = std::make_unique<Instructions>();
+  }
+  std::vector<Instructions::List>& lists = instructions_->lists;
+  const auto [place, isNew] = instructions_->places.emplace(name, lists.size());
+  if (isNew) {
+    lists.push_back({target, {}, {}});
+  }
+  lists[place->second].texts.push_back(text);
+  lists[place->second].sides += hasRoot() ? '>' : '<';
+  return close + 2;
+}
+
+// Puts the instructions into the document's table.
+void Parser::publishInstructions() {
+  const char*** lists = root_.words.array<const char**>(instructions_->lists.size() + 1);
+  root_.pi = lists;
+  for (const Instructions::List& list : instructions_->lists) {
+    const char** text = root_.words.array<const char*>(list.texts.size() + 3);
+    *lists++ = text;
+    *text++ = list.target;
+    text = std::copy(list.texts.begin(), list.texts.end(), text);
+    *text++ = nullptr;
+    *text = root_.texts.copy(list.sides.data(), list.sides.size());
+  }
+  *lists = nullptr;
 }
 
 // Keeps the count of lines right, which decoding in place changes.
-Decoded Parser::decode(char* text, size_t length, Mode mode) {
+Decoded Parser::decode(char* text, std::size_t length, Mode mode) {
   lostLines_ += countLines(text, text + length);
-  Decoded decoded = decoder_.decode(text, length, mode);
+  const Decoded decoded = decoder_.decode(text, length, mode);
   lostLines_ -= countLines(text, text + length);
   return decoded;
 }
 
-bool Parser::fail(const char* place, std::string_view message, std::string_view argument) {
+char* Parser::fail(const char* place, std::string_view message, std::string_view argument) {
+  showLast();
   char line[24];
-  const char* lineEnd =
+  const char* const lineEnd =
       std::to_chars(line, line + sizeof(line), 1 + countLines(root_.s, place) + lostLines_).ptr;
   constexpr std::string_view kHole = "%s";
-  size_t before = std::min(message.find(kHole), message.size());
-  size_t behind = std::min(before + kHole.size(), message.size());
-  fillError(root_.err, {"[error near line ",
-                        {line, static_cast<size_t>(lineEnd - line)},
-                        "]: ",
-                        message.substr(0, before),
-                        argument,
-                        message.substr(behind)});
+  const std::size_t before = std::min(message.find(kHole), message.size());
+  const std::size_t behind = std::min(before + kHole.size(), message.size());
+  std::size_t length = 0;
+  for (const std::string_view part :
+       {std::string_view("[error near line "),
+        std::string_view(line, static_cast<std::size_t>(lineEnd - line)), std::string_view("]: "),
+        message.substr(0, before), argument, message.substr(behind)}) {
+    length += part.copy(root_.err + length, sizeof(root_.err) - 1 - length);
+  }
+  root_.err[length] = '\0';
+  hideLast();
   failed_ = true;
-  return false;
+  return nullptr;
 }
 
-}  // namespace xml::internal
+}  // namespace onu::xml::internal
 
-namespace xml {
+namespace onu::xml {
 
-XmlRoot* parseStr(char* data, size_t length) {
-  internal::RootImpl* root = internal::newRoot();
-  root->m = data;
-  root->len = static_cast<ptrdiff_t>(length);
+XmlRoot* parseStr(char* data, std::size_t length) {
+  internal::RootImpl* const root = internal::newRoot(data, length);
   root->u = internal::utf8FromUtf16(data, length, &length);
-  root->s = root->u != nullptr ? root->u : data;
-  root->e = root->s + length;
-  root->arena.expect(length);
+  if (root->u != nullptr) {
+    root->s = root->u;
+    root->e = root->s + length;
+  }
   internal::Parser(*root).run();
   return root;
 }
 
-}  // namespace xml
+}  // namespace onu::xml

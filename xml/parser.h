@@ -1,74 +1,136 @@
-// The parser: cuts the input into markup and character data and feeds the tree builder.
+// The parser: cuts the input into markup and character data and builds the tree from it.
 #pragma once
 
 #include <memory>
+#include <string>
 
-#include "xml/decode.h"
 #include "xml/doctype.h"
-#include "xml/instructions.h"
 #include "xml/scan.h"
-#include "xml/tree_builder.h"
 
-namespace xml::internal {
+namespace onu::xml::internal {
 
-// One parse of the data [root.s, root.e), which ends early at a NUL byte. Every step returns false
-// when parsing ends, after an error or at the end of the data.
+// One parse of the data [root.s, root.e), which ends early at a NUL byte. Its last byte is put
+// aside and a NUL stands in its place, so that every scan ends there without looking where it is.
+// Costs do not depend on how many children, names or text pieces an element has.
+//
+// What takes a place in the data and returns one goes from there to the next markup, whose '<' may
+// be overwritten already, or to nullptr when parsing ends, after an error or at the end of the
+// data.
 class Parser {
  public:
-  explicit Parser(RootImpl& root) : root_(root), p_(root.s), e_(root.e), builder_(root, root.e) {}
+  explicit Parser(RootImpl& root);
 
   void run();
 
  private:
   static constexpr const char* kOutside = "markup outside of root element";
+  static constexpr const char* kUnexpected = "unexpected <";
+  static constexpr std::size_t kNoPieces = static_cast<std::size_t>(-1);
+  // Children of up to so many names are grouped as they come.
+  static constexpr std::size_t kFewGroups = 16;
 
-  // parse.cc
-  void end();
-  bool decodedContent(char* text, char* stop);
-  bool outsideContent(char* text, char* stop);
-  bool declaration();
-  bool comment();
-  bool characterData();
-  bool documentType();
-  bool internalSubset(char* start);
-  bool instruction();
-  Decoded decode(char* text, size_t length, Mode mode);
-  // The argument stands in for the "%s" of the message.
-  bool fail(const char* place, std::string_view message, std::string_view argument = {});
-
-  // tag.cc: what most of the input is made of, together for speed
-  struct TagEnd {
-    char* place;     // NULL after an error
-    char character;  // what stood there: '/', '>', or NUL at the end of the data
+  // An element whose end tag is still to come. The first child of a name keeps the last one of that
+  // name in its `parent` until then.
+  struct Open {
+    XmlNode* node;
+    std::size_t nameLength;
+    std::size_t textLength;
+    std::size_t pieces;  // where in pieces_ its text starts that is not in one place
+    XmlNode* lastChild;
+    XmlNode* lastGroup;  // first child of the newest name
+    std::size_t groups;  // names of its children, no more than one above kFewGroups
+    std::uint32_t seen;  // a bit for each of them, not necessarily its own
   };
-  bool markup();
-  bool content(char* text, char* stop);
-  bool startTag();
-  bool startContent(XmlNode* node, char* nameEnd, char* text, char* stop);
-  bool endTag();
-  char* endOfName(char* p, bool isAttribute);
-  char* nameAndStop(char* name, char** stop);
-  char* plainAttributes(char* p);
-  TagEnd attributes(char* p, const char* element, size_t elementLength);
-  char* attributeValue(char* quote, const char* element, size_t elementLength);
-  const char** attributeArray();
-  void terminate(char* end);
+  struct Instructions {
+    struct List {
+      const char* target;
+      std::vector<const char*> texts;
+      std::string sides;
+    };
+    std::vector<List> lists;
+    NameTable places;  // of targets
+  };
 
-  char peek(const char* p) const { return p == e_ ? '\0' : *p; }
-  bool goesOn(const char* p, const char* text, size_t length) const {
-    return startsWith(p, e_, text, length);
-  }
+  bool hasRoot() const { return root_.xml.name != nullptr; }
+  void hideLast() { *last_ = '\0'; }
+  void showLast() { *last_ = lastByte_; }
+  // The byte at a place, the last included; NUL at the end.
+  char peek(const char* p) const { return p < last_ ? *p : p == last_ ? lastByte_ : '\0'; }
+  char* find(char* p, char wanted) const;
+  char* skipSpaces(char* p) const;
+  char* closing(char* text, std::string_view mark) const;
+
+  // elements.cc: what most of the input is made of, together for speed
+  char* startTag(char* p);
+  char attributes(char** place, std::string_view element, const char*** array);
+  char oddAttribute(char** place, std::string_view element, const char*** pair);
+  const char* attributeValue(char** place, std::string_view element, const char* name);
+  const char** roomForPair(const char** array, const char** pair);
+  const char** finishArray(const char** array, const char** pair);
+  char* endTag(char* p);
+  char* behindEndTag(char* p, const char* name, std::size_t length) const;
+  char* behindOddEndTag(char* p);
+  char* content(char* p);
+  void appendText(char* text, std::size_t length);
+  void appendPiece(const char* text, std::size_t length, bool isInput);
+  void terminate(char* end);
+  XmlNode* add(char* name, std::size_t length, const char** attributes);
+  void link(XmlNode* node, std::size_t length);
+  void regroup(XmlNode* parent) const;
+  void open(XmlNode* node, std::size_t nameLength);
+  void close();
+
+  // parse.cc: the rest; other markup returns the place behind it
+  char* otherMarkup(char* p);
+  char* oddContent(char* text, char* stop);
+  char* outsideContent(char* text);
+  char* markupAt(char* p);
+  char* declaration(char* p);
+  char* comment(char* p);
+  char* characterData(char* p);
+  char* documentType(char* p);
+  char* internalSubset(char* p, char* start);
+  char* instruction(char* p);
+  void end();
+  void publishInstructions();
+  Decoded decode(char* text, std::size_t length, Mode mode);
+  // The argument stands in for the "%s" of the message. Always nullptr.
+  char* fail(const char* place, std::string_view message, std::string_view argument = {});
 
   RootImpl& root_;
-  char* p_;  // the '<' of the next markup, which may be overwritten already
   char* e_;
+  char* last_;
+  char lastByte_;
   bool failed_ = false;
-  ptrdiff_t lostLines_ = 0;  // line feeds before p_ that decoding has overwritten
-  TreeBuilder builder_;
+  const char* stop_;              // where the data ended
+  std::ptrdiff_t lostLines_ = 0;  // line feeds that decoding has overwritten so far
+  std::vector<Open> open_;
+  Open* top_ = nullptr;       // the innermost of them
+  std::vector<char> pieces_;  // of their texts, the innermost one's on top
+  std::size_t piecesEnd_ = 0;
   Decoder decoder_;
-  GrowStack<const char*, 64> pairs_;  // attributes of the tag being read
   std::unique_ptr<Doctype> doctype_;
   std::unique_ptr<Instructions> instructions_;
 };
 
-}  // namespace xml::internal
+// Ends a name, whose place may hold a line feed that counts for the lines of later errors.
+inline void Parser::terminate(char* end) {
+  lostLines_ += *end == '\n' ? 1 : 0;
+  *end = '\0';
+}
+
+// Appends character data, which lies in the input, to the open element.
+inline void Parser::appendText(char* text, std::size_t length) {
+  if (length == 0) {
+    return;
+  }
+  if (top_->textLength != 0) {
+    appendPiece(text, length, true);
+    return;
+  }
+  text[length] = '\0';
+  top_->node->txt = text;
+  top_->textLength = length;
+}
+
+}  // namespace onu::xml::internal

@@ -1,148 +1,118 @@
-// Finding the next byte of interest, 16 at a time where the processor can. Reads [p, e) only.
+// What each byte ends or begins, told by one look into a table.
+//
+// This is how the tree reads and writes: the unit's processor has no vector instructions, and four
+// bytes of a word at a time cost as much there as the table does, about four instructions a byte.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+namespace onu::xml::internal {
 
-namespace xml::internal {
-
-inline bool isSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
-
-// Each set is what ends one kind of text: `has` tells for one byte, `hits` for 16. The NUL is in
-// those that read the input, since it ends the data.
-#if defined(__SSE2__)
-using Bytes = __m128i;
-inline Bytes same(Bytes v, char c) { return _mm_cmpeq_epi8(v, _mm_set1_epi8(c)); }
-inline Bytes upTo(Bytes v, char c) { return same(_mm_subs_epu8(v, _mm_set1_epi8(c)), '\0'); }
-// Either of two bytes that differ in one bit.
-inline Bytes sameBut(Bytes v, char c, char bit) {
-  return same(_mm_or_si128(v, _mm_set1_epi8(bit)), static_cast<char>(c | bit));
-}
-inline Bytes either(Bytes a, Bytes b) { return _mm_or_si128(a, b); }
-inline Bytes load16(const char* p) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)); }
-inline unsigned bits(Bytes v) { return static_cast<unsigned>(_mm_movemask_epi8(v)); }
-#define XML_HITS(expression) \
-  static Bytes hits(Bytes v) { return expression; }
-#else
-#define XML_HITS(expression)
-#endif
-
-struct ContentEnd {
-  static bool has(char c) { return c == '<' || c == '&' || c == '\r' || c == '\0'; }
-  XML_HITS(either(either(same(v, '<'), same(v, '&')), either(same(v, '\r'), same(v, '\0'))))
+// Sets of bytes. The zero byte is in all that end something.
+enum ByteClass : std::uint8_t {
+  kSpace = 0x01,
+  kTagNameEnd = 0x02,
+  kAttributeNameEnd = 0x04,
+  kContentStop = 0x08,  // the next markup, or what has to be decoded
+  kValueStop = 0x10,    // likewise in an attribute's value, with both quotes
+  kNameStart = 0x20,
+  kContentEscape = 0x40,  // what cannot be written as it is
+  kValueEscape = 0x80,
 };
 
-struct EntityEnd {
-  static bool has(char c) { return c == '%' || c == '\r'; }
-  XML_HITS(either(same(v, '%'), same(v, '\r')))
-};
-
-struct MarkupOrEnd {
-  static bool has(char c) { return c == '<' || c == '\0'; }
-  XML_HITS(either(same(v, '<'), same(v, '\0')))
-};
-
-// Bytes up to the blank include all white space, and more.
-struct NameEnd {
-  static bool has(char c) {
-    return static_cast<unsigned char>(c) <= ' ' || c == '/' || c == '>' || c == '=';
+constexpr std::array<std::uint8_t, 256> makeByteClasses() {
+  using std::string_view_literals::operator""sv;
+  constexpr struct {
+    std::string_view bytes;
+    int classes;
+  } kSets[] = {
+      {" \t\n\r"sv, kSpace | kTagNameEnd | kAttributeNameEnd},
+      {"/>"sv, kTagNameEnd | kAttributeNameEnd},
+      {"="sv, kAttributeNameEnd},
+      {"<&\r\0"sv, kContentStop},
+      {"\"'&\r\n\t\0"sv, kValueStop},
+      {"&<>\r\0"sv, kContentEscape | kValueEscape},
+      {"\"\n\t"sv, kValueEscape},
+      {"\0"sv, kTagNameEnd | kAttributeNameEnd},
+      {"_:"sv, kNameStart},
+  };
+  std::array<std::uint8_t, 256> classes = {};
+  for (const auto& set : kSets) {
+    for (const char c : set.bytes) {
+      classes[static_cast<unsigned char>(c)] |= static_cast<std::uint8_t>(set.classes);
+    }
   }
-  XML_HITS(either(either(upTo(v, ' '), same(v, '=')), either(same(v, '/'), same(v, '>'))))
-};
-
-template <char kQuote>
-struct ValueEnd {
-  static bool has(char c) { return c == kQuote || c == '&' || static_cast<unsigned char>(c) < ' '; }
-  XML_HITS(either(either(same(v, kQuote), same(v, '&')), upTo(v, '\x1f')))
-};
-
-template <char kOne>
-struct OneOrEnd {
-  static bool has(char c) { return c == kOne || c == '\0'; }
-  XML_HITS(either(same(v, kOne), same(v, '\0')))
-};
-
-#if defined(__SSE2__)
-// A bit for each of 32 bytes that is in the set.
-template <typename Set>
-inline uint64_t hits32(Bytes first, Bytes second) {
-  return uint64_t{bits(Set::hits(first))} | uint64_t{bits(Set::hits(second))} << 16;
-}
-#endif
-
-// First byte of the set at or after p, or e.
-template <typename Set>
-inline char* find(char* p, const char* e) {
-#if defined(__SSE2__)
-  while (e - p >= 16) {
-    unsigned mask = bits(Set::hits(load16(p)));
-    if (mask != 0) return p + __builtin_ctz(mask);
-    p += 16;
+  for (std::size_t c = 0; c != classes.size(); ++c) {
+    const bool isLetter = ((c | 0x20) >= 'a' && (c | 0x20) <= 'z') || c >= 0x80;
+    if (isLetter) {
+      classes[c] |= kNameStart;
+    }
   }
-#endif
-  while (p != e && !Set::has(*p)) ++p;
+  return classes;
+}
+
+inline constexpr std::array<std::uint8_t, 256> kByteClasses = makeByteClasses();
+
+inline bool is(char c, unsigned classes) {
+  return (kByteClasses[static_cast<unsigned char>(c)] & classes) != 0;
+}
+
+inline bool isSpace(char c) { return is(c, kSpace); }
+
+// First byte at or after p that is of the classes. There must be one.
+template <typename Char>
+Char* skipTo(Char* p, unsigned classes) {
+  while (!is(*p, classes)) {
+    ++p;
+  }
   return p;
 }
 
-// Whether [p, e) begins with `length` bytes of `text`.
-inline bool startsWith(const char* p, const char* e, const char* text, size_t length) {
-  return static_cast<size_t>(e - p) >= length && std::memcmp(p, text, length) == 0;
-}
-
-// The place behind the first `text` in [p, e), or NULL.
-inline const char* afterText(const char* p, const char* e, const char* text, size_t length) {
-  for (; static_cast<size_t>(e - p) >= length; ++p) {
-    if (std::memcmp(p, text, length) == 0) return p + length;
+// First byte at or after p, or e, that is no white space.
+template <typename Char>
+Char* skipSpace(Char* p, const char* e) {
+  while (p != e && isSpace(*p)) {
+    ++p;
   }
-  return nullptr;
-}
-
-// First place at or after p where `text` (`length` bytes, the first kFirst) stands, or NULL when
-// the data ends before.
-template <char kFirst>
-inline char* findText(char* p, const char* e, const char* text, size_t length) {
-  for (;; ++p) {
-    p = find<OneOrEnd<kFirst>>(p, e);
-    if (p == e || *p == '\0') return nullptr;
-    if (startsWith(p, e, text, length)) return p;
-  }
-}
-
-inline char* skipSpace(char* p, const char* e) {
-  while (p != e && isSpace(*p)) ++p;
   return p;
 }
 
-// The first 8 bytes of a name, padded with zeros, as a number for comparing. Reads [name, e) only.
-inline uint64_t nameKey(const char* name, size_t length, const char* e) {
-  uint64_t key = 0;
-#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-  if (e - name >= static_cast<ptrdiff_t>(sizeof(key))) {
-    std::memcpy(&key, name, sizeof(key));
-    unsigned surplus = length < sizeof(key) ? 64 - 8 * static_cast<unsigned>(length) : 0;
-    return length == 0 ? 0 : key << surplus >> surplus;
-  }
-#endif
-  for (size_t i = 0; i != length && i != sizeof(key); ++i) {
-    key |= uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
-  }
-  return key;
+// Whether [p, e) begins with the text.
+inline bool startsWith(const char* p, const char* e, std::string_view text) {
+  return static_cast<std::size_t>(e - p) >= text.size() &&
+         std::memcmp(p, text.data(), text.size()) == 0;
 }
 
-// Whether `length` bytes at a and b, which comes later in [.., e), are equal.
-inline bool equalBytes(const char* a, const char* b, size_t length, const char* e) {
-#if defined(__SSE2__)
-  if (length <= 16 && e - b >= 16) {
-    unsigned differ = ~bits(_mm_cmpeq_epi8(load16(a), load16(b)));
-    return (differ & ((1u << length) - 1)) == 0;
-  }
-#endif
-  return static_cast<size_t>(e - b) >= length && std::memcmp(a, b, length) == 0;
+// The place behind the first such text in [p, e), or nullptr.
+inline const char* behindText(const char* p, const char* e, std::string_view text) {
+  const std::size_t place = std::string_view(p, static_cast<std::size_t>(e - p)).find(text);
+  return place == std::string_view::npos ? nullptr : p + place + text.size();
 }
 
-}  // namespace xml::internal
+// Whether `length` bytes are equal, four at a time: names are too short for a call of memcmp.
+inline bool sameBytes(const char* a, const char* b, std::size_t length) {
+  const auto word = [](const char* p) {
+    std::uint32_t value = 0;
+    std::memcpy(&value, p, sizeof(value));
+    return value;
+  };
+  if (length < sizeof(std::uint32_t)) {
+    while (length != 0 && a[length - 1] == b[length - 1]) {
+      --length;
+    }
+    return length == 0;
+  }
+  const char* const last = a + length - sizeof(std::uint32_t);
+  for (; a < last; a += sizeof(std::uint32_t), b += sizeof(std::uint32_t)) {
+    if (word(a) != word(b)) {
+      return false;
+    }
+  }
+  return word(last) == word(b - (a - last));
+}
+
+}  // namespace onu::xml::internal

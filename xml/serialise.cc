@@ -1,15 +1,138 @@
 // Writing a tree as text.
-#include "xml/carried_attributes.h"
-#include "xml/grow_stack.h"
-#include "xml/output.h"
+#include <cstdlib>
+#include <cstring>
+#include <unordered_set>
 
-namespace xml::internal {
+#include "xml/memory.h"
+#include "xml/names.h"
+#include "xml/scan.h"
+
+namespace onu::xml::internal {
 
 namespace {
 
+// The text under construction. Where it ends so far, `at`, is the writer's to carry from call to
+// call: kept here it would be stored and loaded again around every byte written.
+class Output {
+ public:
+  // What may be written behind every text without asking for room.
+  static constexpr std::size_t kRoom = 16;
+
+  explicit Output(std::size_t capacity)
+      : data_(static_cast<char*>(allocate(capacity + 2 * kRoom))), limit_(data_ + capacity) {}
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+
+  char* start() const { return data_; }
+  std::size_t size(const char* at) const { return static_cast<std::size_t>(at - data_); }
+
+  // Writes a text up to its NUL with what is of the class as references. Four bytes go between two
+  // looks at the room, and each is looked at once.
+  template <unsigned kEscape>
+  char* text(char* at, const char* from);
+  // At most so many bytes of it, moving it on.
+  char* part(char* at, const char** from, std::size_t most);
+
+  char* name(char* at, const char* from);
+
+  // The text with a NUL, for the caller to free, in exactly as much memory. Ends the output.
+  char* release(char* at);
+
+ private:
+  char* room(char* at) { return at < limit_ ? at : grow(at); }
+  char* grow(char* at);
+  static char* escape(char* at, char c);
+
+  char* data_;
+  char* limit_;  // kRoom bytes and some can be written here yet
+};
+
+char* Output::grow(char* at) {
+  const std::size_t used = size(at);
+  const std::size_t capacity = 2 * used;
+  data_ = static_cast<char*>(reallocate(data_, capacity + 2 * kRoom));
+  limit_ = data_ + capacity;
+  return data_ + used;
+}
+
+char* Output::escape(char* at, char c) {
+  static constexpr struct {
+    char character;
+    std::string_view reference;
+  } kReferences[] = {{'&', "&amp;"},  {'<', "&lt;"},   {'>', "&gt;"},  {'"', "&quot;"},
+                     {'\n', "&#xA;"}, {'\t', "&#x9;"}, {'\r', "&#xD;"}};
+  for (const auto& entry : kReferences) {
+    if (entry.character == c) {
+      std::memcpy(at, entry.reference.data(), entry.reference.size());
+      return at + entry.reference.size();
+    }
+  }
+  return at;
+}
+
+template <unsigned kEscape>
+inline char* Output::text(char* at, const char* from) {
+  for (;;) {
+#pragma GCC unroll 4
+    for (int i = 0; i != 4; ++i) {
+      const char c = *from++;
+      if (is(c, kEscape)) {
+        if (c == '\0') {
+          return room(at);
+        }
+        at = escape(at, c);
+        break;
+      }
+      *at++ = c;
+    }
+    at = room(at);
+  }
+}
+
+char* Output::part(char* at, const char** from, std::size_t most) {
+  const char* p = *from;
+  const char* const end = p + most;
+  std::size_t plain = 0;  // bytes since the last look at the room
+  for (; p != end; ++p) {
+    if (is(*p, kContentEscape)) {
+      if (*p == '\0') {
+        break;
+      }
+      at = room(escape(at, *p));
+      plain = 0;
+      continue;
+    }
+    *at++ = *p;
+    if (++plain == kRoom) {
+      at = room(at);
+      plain = 0;
+    }
+  }
+  *from = p;
+  return room(at);
+}
+
+inline char* Output::name(char* at, const char* from) {
+  for (;;) {
+#pragma GCC unroll 4
+    for (int i = 0; i != 4; ++i) {
+      const char c = *from++;
+      if (c == '\0') {
+        return room(at);
+      }
+      *at++ = c;
+    }
+    at = room(at);
+  }
+}
+
+char* Output::release(char* at) {
+  *at = '\0';
+  return static_cast<char*>(reallocate(data_, size(at) + 1));
+}
+
 // Writes one subtree, without recursion: trees are as deep as a file makes them. Every step takes
-// where the output ends and returns where it ends then. Texts leave room for the punctuation around
-// them.
+// where the output ends and returns where it ends then.
 class Serialiser {
  public:
   Serialiser(const XmlNode& top, Output& out);
@@ -23,172 +146,201 @@ class Serialiser {
   struct Open {
     const XmlNode* node;
     const XmlNode* nextChild;
-    const char* text;  // what is left of its text
-    size_t readable;   // bytes of that which can be read
-    size_t written;    // bytes of its text before that
-    size_t nameLength;
+    const char* text;     // what is left of its text
+    std::size_t written;  // bytes of its text before that
   };
 
   char* start(char* at, const XmlNode& node);
-  char* textUntil(char* at, Open& open, size_t off);
-  char* end(char* at, const XmlNode& node, size_t nameLength);
+  char* textUntil(char* at, Open& open, std::size_t off);
+  char* end(char* at, const XmlNode& node, const char* text);
   char* attributes(char* at, const XmlNode& node);
-  char* defaults(char* at, const XmlNode& node);
   char* attribute(char* at, const char* name, const char* value);
-  char* plain(char* at, const char* text) { return out_.put(at, text, std::strlen(text)); }
+  char* defaults(char* at, const XmlNode& node, std::size_t count);
+  bool isCarried(const XmlNode& node, std::size_t count, const char* name) const;
 
-  // Texts of the input can be read to its end, others to their own.
-  size_t readable(const char* text) const {
-    size_t place = reinterpret_cast<uintptr_t>(text) - reinterpret_cast<uintptr_t>(root_.s);
-    return place < inputSize_ ? inputSize_ - place : std::strlen(text) + 1;
-  }
+  // An element's attributes up to so many are compared one by one, more are in carried_.
+  static constexpr std::size_t kFewAttributes = 8;
 
-  const XmlRoot& root_;
-  size_t inputSize_;
+  const RootImpl& root_;
   Output& out_;
-  GrowStack<Open, 24> open_;
-  CarriedAttributes carried_;
-  NameIndex declared_;  // elements with declared defaults
+  std::vector<Open> open_;
+  std::unordered_set<std::string_view, KeyedHash> carried_;
+  NameTable declared_;                         // elements with declared defaults
+  std::size_t budget_ = std::size_t{1} << 20;  // bytes of defaults that may be written yet
 };
 
-Serialiser::Serialiser(const XmlNode& top, Output& out)
-    : root_(*rootOf(&top)), inputSize_(static_cast<size_t>(root_.e - root_.s)), out_(out) {
-  for (size_t i = 0; root_.attr[i] != nullptr; ++i) {
-    const char* element = root_.attr[i][0];
-    declared_.add(nullptr, element, std::strlen(element), i);
+Serialiser::Serialiser(const XmlNode& top, Output& out) : root_(*rootOf(&top)), out_(out) {
+  for (std::size_t i = 0; root_.attr[i] != nullptr; ++i) {
+    declared_.emplace(root_.attr[i][0], i);
   }
 }
 
 char* Serialiser::subtree(char* at, const XmlNode& top) {
   at = start(at, top);
   while (!open_.empty()) {
-    Open& open = open_.top();
-    const XmlNode* child = open.nextChild;
+    Open& open = open_.back();
+    const XmlNode* const child = open.nextChild;
     if (child != nullptr) {
       at = textUntil(at, open, child->off);
       open.nextChild = child->ordered;
       at = start(at, *child);
     } else {
-      at = out_.room(at, Output::kRoom);
-      at = out_.put<ContentEscape>(at, open.text, open.readable);
-      at = end(at, *open.node, open.nameLength);
-      open_.pop();
+      at = end(at, *open.node, open.text);
+      open_.pop_back();
     }
   }
   return at;
 }
 
 // Writes a start tag, and all of an element without children.
-char* Serialiser::start(char* at, const XmlNode& node) {
-  at = out_.room(at, Output::kRoom);
+inline char* Serialiser::start(char* at, const XmlNode& node) {
   *at++ = '<';
-  size_t name = out_.size(at);
-  at = out_.put<NameStop>(at, node.name, readable(node.name));
-  size_t nameLength = out_.size(at) - name;
-  if (node.attr[0] != nullptr || root_.attr[0] != nullptr) at = attributes(at, node);
-  *at++ = '>';
-  size_t textReadable = readable(node.txt);
-  if (node.child == nullptr) {
-    at = out_.put<ContentEscape>(at, node.txt, textReadable);
-    return end(at, node, nameLength);
+  at = out_.name(at, node.name);
+  if (node.attr[0] != nullptr || root_.attr[0] != nullptr) {
+    at = attributes(at, node);
   }
-  open_.push() = {&node, node.child, node.txt, textReadable, 0, nameLength};
+  *at++ = '>';
+  if (node.child == nullptr) {
+    return end(at, node, node.txt);
+  }
+  open_.push_back({&node, node.child, node.txt, 0});
   return at;
 }
 
 // A text that was replaced may be shorter than where its children stand.
-char* Serialiser::textUntil(char* at, Open& open, size_t off) {
-  if (off <= open.written) return at;
-  const char* from = open.text;
-  at = out_.putPart<ContentEscape>(at, &open.text, off - open.written, open.readable);
-  auto taken = static_cast<size_t>(open.text - from);
-  open.written += taken;
-  open.readable -= taken;
+inline char* Serialiser::textUntil(char* at, Open& open, std::size_t off) {
+  if (off <= open.written) {
+    return at;
+  }
+  const char* const from = open.text;
+  at = out_.part(at, &open.text, off - open.written);
+  open.written += static_cast<std::size_t>(open.text - from);
   return at;
 }
 
-char* Serialiser::end(char* at, const XmlNode& node, size_t nameLength) {
+inline char* Serialiser::end(char* at, const XmlNode& node, const char* text) {
+  at = out_.text<kContentEscape>(at, text);
   *at++ = '<';
   *at++ = '/';
-  at = out_.put<NameStop>(at, node.name, nameLength < 16 ? readable(node.name) : nameLength + 1);
+  at = out_.name(at, node.name);
   *at++ = '>';
   return at;
 }
 
 char* Serialiser::attributes(char* at, const XmlNode& node) {
-  carried_.begin(node);
-  for (size_t i = 0; node.attr[2 * i] != nullptr; ++i) {
-    if (!carried_.repeats(i)) at = attribute(at, node.attr[2 * i], node.attr[2 * i + 1]);
+  std::size_t i = 0;
+  for (; node.attr[2 * i] != nullptr; ++i) {
+    const char* const name = node.attr[2 * i];
+    if (i == kFewAttributes) {
+      carried_.clear();
+      for (std::size_t j = 0; j != i; ++j) {
+        carried_.insert(node.attr[2 * j]);
+      }
+    }
+    if (i < kFewAttributes ? !isCarried(node, i, name) : carried_.insert(name).second) {
+      at = attribute(at, name, node.attr[2 * i + 1]);
+    }
   }
-  return root_.attr[0] != nullptr ? defaults(at, node) : at;
+  return root_.attr[0] != nullptr ? defaults(at, node, i) : at;
 }
 
-char* Serialiser::defaults(char* at, const XmlNode& node) {
-  size_t list = declared_.find(nullptr, node.name, std::strlen(node.name));
-  if (list == NameIndex::kNone) return at;
-  for (const char** text = root_.attr[list] + 1; *text != nullptr; text += 3) {
-    if (!carried_.has(text[0])) at = attribute(at, text[0], text[1]);
-  }
+inline char* Serialiser::attribute(char* at, const char* name, const char* value) {
+  *at++ = ' ';
+  at = out_.name(at, name);
+  *at++ = '=';
+  *at++ = '"';
+  at = out_.text<kValueEscape>(at, value);
+  *at++ = '"';
   return at;
 }
 
-char* Serialiser::attribute(char* at, const char* name, const char* value) {
-  *at++ = ' ';
-  at = out_.put<NameStop>(at, name, readable(name));
-  *at++ = '=';
-  *at++ = '"';
-  at = out_.put<ValueEscape>(at, value, readable(value));
-  *at++ = '"';
+// Whether one of the first `count` attributes has the name.
+inline bool Serialiser::isCarried(const XmlNode& node, std::size_t count, const char* name) const {
+  if (count > kFewAttributes) {
+    return carried_.count(name) != 0;
+  }
+  for (std::size_t i = 0; i != count; ++i) {
+    const char* const other = node.attr[2 * i];
+    if (other[0] == name[0] && std::strcmp(other, name) == 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// The declared defaults that an element of `count` attributes does not carry.
+char* Serialiser::defaults(char* at, const XmlNode& node, std::size_t count) {
+  const auto list = budget_ == 0 ? declared_.end() : declared_.find(node.name);
+  if (list == declared_.end()) {
+    return at;
+  }
+  for (const char** text = root_.attr[list->second] + 1; *text != nullptr; text += 3) {
+    if (!isCarried(node, count, text[0])) {
+      const std::size_t bytes = std::strlen(text[0]) + std::strlen(text[1]);
+      if (bytes >= budget_) {
+        budget_ = 0;
+        break;
+      }
+      budget_ -= bytes;
+      at = attribute(at, text[0], text[1]);
+    }
+  }
   return at;
 }
 
 char* Serialiser::instructions(char* at, char side, const char* before, const char* behind) {
   for (const char*** list = root_.pi; *list != nullptr; ++list) {
     const char** texts = *list + 1;
-    size_t count = 0;
-    while (texts[count] != nullptr) ++count;
-    const char* sides = texts[count + 1];
-    for (size_t i = 0; i != count; ++i) {
-      if (sides[i] != side) continue;
-      at = plain(at, before);
-      at = plain(at, "<?");
-      at = plain(at, **list);
-      if (texts[i][0] != '\0') at = plain(at, " ");
-      at = plain(at, texts[i]);
-      at = plain(at, "?>");
-      at = plain(at, behind);
+    std::size_t count = 0;
+    while (texts[count] != nullptr) {
+      ++count;
+    }
+    const char* const sides = texts[count + 1];
+    for (std::size_t i = 0; i != count; ++i) {
+      if (sides[i] != side) {
+        continue;
+      }
+      const char* const blank = texts[i][0] == '\0' ? "" : " ";
+      for (const char* text : {before, "<?", **list, blank, texts[i], "?>", behind}) {
+        at = out_.name(at, text);
+      }
     }
   }
   return at;
 }
 
 // Enough for most documents that were changed a little.
-size_t expectedSize(const XmlNode& node) {
-  if (node.parent != nullptr) return 1024;
-  const XmlRoot& root = *rootOf(&node);
-  auto size = static_cast<size_t>(root.e - root.s);
-  return size + size / 16 + 1024;
+std::size_t expectedSize(const XmlNode& node) {
+  constexpr std::size_t kSmall = 1024;
+  if (node.parent != nullptr) {
+    return kSmall;
+  }
+  const RootImpl& root = *rootOf(&node);
+  const auto size = static_cast<std::size_t>(root.e - root.s);
+  return size + size / 16 + kSmall;
 }
 
 }  // namespace
 
-}  // namespace xml::internal
+}  // namespace onu::xml::internal
 
-namespace xml {
+namespace onu::xml {
 
-char* toXml(const XmlNode* node, size_t* length) {
-  bool isText = node != nullptr && node->name != nullptr;
+char* toXml(const XmlNode* node, std::size_t* length) {
+  const bool isText = node != nullptr && node->name != nullptr;
   internal::Output out(isText ? internal::expectedSize(*node) : 1);
   char* at = out.start();
   if (isText) {
     internal::Serialiser serialiser(*node, out);
-    bool isRoot = node->parent == nullptr;
-    if (isRoot) at = serialiser.instructions(at, '<', "", "\n");
+    const bool isRoot = node->parent == nullptr;
+    at = isRoot ? serialiser.instructions(at, '<', "", "\n") : at;
     at = serialiser.subtree(at, *node);
-    if (isRoot) at = serialiser.instructions(at, '>', "\n", "");
+    at = isRoot ? serialiser.instructions(at, '>', "\n", "") : at;
   }
-  if (length != nullptr) *length = out.size(at);
+  if (length != nullptr) {
+    *length = out.size(at);
+  }
   return out.release(at);
 }
 
-}  // namespace xml
+}  // namespace onu::xml

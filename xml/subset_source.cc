@@ -1,70 +1,72 @@
 #include "xml/subset_source.h"
 
-#include <cstring>
-
 #include "xml/scan.h"
 
-namespace xml::internal {
-
-SubsetSource::SubsetSource(const char* text, size_t length, Entities& entities)
-    : texts_{{text, text + length}}, entities_(entities) {}
+namespace onu::xml::internal {
 
 bool SubsetSource::skipSpace() {
   for (;;) {
-    Text& top = texts_.back();
-    while (top.p != top.e && isSpace(*top.p)) ++top.p;
-    if (top.p == top.e) {
-      if (texts_.size() == 1) return false;
+    while (isSpace(peek())) {
+      skip(1);
+    }
+    if (texts_.back().empty()) {
+      if (texts_.size() == 1) {
+        return false;
+      }
       texts_.pop_back();
-    } else if (*top.p != '%' || !expand()) {
+    } else if (peek() != '%' || !expand()) {
       return true;
     }
   }
 }
 
 bool SubsetSource::expand() {
-  Text& top = texts_.back();
-  size_t length = referenceLength(top.p, top.e);
-  const Entity* entity = length == 0 ? nullptr : entities_.parameter.find(top.p + 1, length - 1);
-  if (entity == nullptr || !entities_.spend(entity->valueLength)) return false;
-  top.p += length;
-  texts_.push_back({entity->value, entity->value + entity->valueLength});
+  const std::string_view text = texts_.back();
+  const std::size_t length = referenceLength(text.data(), text.data() + text.size());
+  const Entity* const entity =
+      length == 0 ? nullptr : entities_.parameter.find(text.substr(1, length - 1));
+  if (entity == nullptr || !entities_.spend(entity->value.size())) {
+    return false;
+  }
+  skip(length);
+  texts_.push_back(entity->value);
   return true;
 }
 
-bool SubsetSource::accept(const char* text) {
-  size_t length = std::strlen(text);
-  Text& top = texts_.back();
-  if (!startsWith(top.p, top.e, text, length)) return false;
-  top.p += length;
-  return true;
+bool SubsetSource::accept(std::string_view text) {
+  const bool goesOn = texts_.back().substr(0, text.size()) == text;
+  skip(goesOn ? text.size() : 0);
+  return goesOn;
 }
 
-Token SubsetSource::word(const char* ends) {
-  Text& top = texts_.back();
-  const char* start = top.p;
-  while (top.p != top.e && !isSpace(*top.p) && std::strchr(ends, *top.p) == nullptr) ++top.p;
-  return {start, static_cast<size_t>(top.p - start)};
+Token SubsetSource::word(std::string_view ends) {
+  const std::string_view text = texts_.back();
+  std::size_t length = 0;
+  while (length != text.size() && !isSpace(text[length]) &&
+         ends.find(text[length]) == std::string_view::npos) {
+    ++length;
+  }
+  skip(length);
+  return text.substr(0, length);
 }
-
-bool SubsetSource::atWordEnd() const { return peek() == '\0' || isSpace(peek()); }
 
 Token SubsetSource::quoted() {
-  if (peek() != '"' && peek() != '\'') return {};
-  char quote[] = {peek(), '\0'};
+  const char quote = peek();
+  if (quote != '"' && quote != '\'') {
+    return {};
+  }
   skip(1);
-  Token token = through(quote);
-  if (token.text != nullptr) --token.length;
-  return token;
+  return upTo({&quote, 1});
 }
 
-Token SubsetSource::through(const char* close) {
-  Text& top = texts_.back();
-  const char* start = top.p;
-  const char* end = afterText(start, top.e, close, std::strlen(close));
-  if (end == nullptr) return {};
-  top.p = end;
-  return {start, static_cast<size_t>(end - start)};
+Token SubsetSource::upTo(std::string_view close) {
+  const std::string_view text = texts_.back();
+  const std::size_t length = text.find(close);
+  if (length == std::string_view::npos) {
+    return {};
+  }
+  skip(length + close.size());
+  return text.substr(0, length);
 }
 
 void SubsetSource::skipDeclaration() {
@@ -75,7 +77,7 @@ void SubsetSource::skipDeclaration() {
       skip(1);
     }
   }
-  if (peek() == '>') skip(1);
+  skip(peek() == '>' ? 1 : 0);
 }
 
-}  // namespace xml::internal
+}  // namespace onu::xml::internal

@@ -18,46 +18,46 @@
 #include <cstdio>
 #include <initializer_list>
 
-namespace xml {
+namespace onu::xml {
 
 // Bits of XmlNode::flags: texts which the tree releases with free(). The lower bits are the tree's
 // own.
-constexpr uint8_t kNameAllocated = 0x80;
+constexpr std::uint8_t kNameAllocated = 0x80;
 // Set it after setText to hand a heap text over. Also set for texts in the document's own memory,
 // so a txt stored without setText is not sure to be released.
-constexpr uint8_t kTextAllocated = 0x40;
+constexpr std::uint8_t kTextAllocated = 0x40;
 // While set, setAttr takes over heap copies of name and value.
-constexpr uint8_t kAttributesAllocated = 0x20;
+constexpr std::uint8_t kAttributesAllocated = 0x20;
 
 // One element. `name` is nullptr only in the root of a document without any element.
 struct XmlNode {
   const char* name;
-  // Name, value, name, value, ..., nullptr, then one text with a byte per attribute that says who owns
-  // the pair. Elements without attributes share one constant empty array.
+  // Name, value, name, value, ..., nullptr, then one text with a byte per attribute that says who
+  // owns the pair. Elements without attributes share one constant empty array.
   const char** attr;
   const char* txt;  // all character data of the element itself, "" when none
-  size_t off;       // bytes of the parent's txt that stand before this element
+  std::size_t off;  // bytes of the parent's txt that stand before this element
   XmlNode* next;    // next element of the same name under the same parent
   // First element of the next other name under the same parent; set in the first of each name.
   XmlNode* sibling;
   XmlNode* ordered;  // next element under the same parent in document order
   XmlNode* child;    // first child element
   XmlNode* parent;   // nullptr in the root
-  uint8_t flags;
+  std::uint8_t flags;
 };
 
 // A parsed document. Made by the parse functions only, since more state follows the listed fields.
 struct XmlRoot {
-  XmlNode xml;       // the root element
-  XmlNode* cur;      // element left open by the data; nullptr once the root element is closed
-  char* m;           // the input buffer
-  ptrdiff_t len;     // its length in bytes, or -1 when freeDoc releases it with free()
-  char* u;           // UTF-8 copy of UTF-16 input, else nullptr
-  char* s;           // first byte of the data, after any conversion
-  char* e;           // one past its last byte; data ends early at a NUL byte
-  const char** ent;  // general entities: name with its ";", replacement, ..., nullptr
-  // Declared defaults: a list {element, attribute, value, "*" or " " (CDATA), ..., nullptr} for each
-  // element, then nullptr.
+  XmlNode xml;         // the root element
+  XmlNode* cur;        // element left open by the data; nullptr once the root element is closed
+  char* m;             // the input buffer
+  std::ptrdiff_t len;  // its length in bytes, or -1 when freeDoc releases it with free()
+  char* u;             // UTF-8 copy of UTF-16 input, else nullptr
+  char* s;             // first byte of the data, after any conversion
+  char* e;             // one past its last byte; data ends early at a NUL byte
+  const char** ent;    // general entities: name with its ";", replacement, ..., nullptr
+  // Declared defaults: a list {element, attribute, value, "*" or " " (CDATA), ..., nullptr} for
+  // each element, then nullptr.
   const char*** attr;
   // Instructions: a list {target, text, ..., nullptr, '<' (before root) or '>' for each text} for
   // each target, then nullptr.
@@ -73,9 +73,9 @@ struct Step {
 };
 
 // Reads and parses a whole file; the buffer is the document's. nullptr when it cannot be opened.
-// Whatever else goes wrong is in `err`: a file that is empty, unreadable or too large for the memory
-// there is gives a document without elements and "root tag missing". The caller ends the document
-// with freeDoc.
+// Whatever else goes wrong is in `err`: a file that is empty, unreadable or too large for the
+// memory there is gives a document without elements and "root tag missing". The caller ends the
+// document with freeDoc.
 XmlRoot* parseFile(const char* path);
 
 // The same on an open file, read from where it stands; it stays open. nullptr for a negative
@@ -87,9 +87,9 @@ XmlRoot* parseFd(int fd);
 XmlRoot* parseStream(FILE* stream);
 
 // Parses `length` bytes in place. The buffer needs no spare byte. It stays the caller's, who
-// releases it after freeDoc, or sets `len` to -1 so that freeDoc does it with free(). Never nullptr:
-// on malformed input `err` is set and the elements read up to there form the tree.
-XmlRoot* parseStr(char* data, size_t length);
+// releases it after freeDoc, or sets `len` to -1 so that freeDoc does it with free(). Never
+// nullptr: on malformed input `err` is set and the elements read up to there form the tree.
+XmlRoot* parseStr(char* data, std::size_t length);
 
 // First child element of that name, or nullptr.
 XmlNode* child(const XmlNode* node, const char* name);
@@ -103,11 +103,9 @@ XmlNode* idx(XmlNode* node, int n);
 const char* attr(const XmlNode* node, const char* name);
 
 // Walks down from `node`, one child per step, to nullptr or the last one's element. The steps end
-// with the list or at an empty name or none; a negative index takes the first child of that name and
-// ends there.
+// with the list or at an empty name or none; a negative index takes the first child of that name
+// and ends there.
 XmlNode* get(XmlNode* node, std::initializer_list<Step> steps);
-// The same with an array; its last step has an empty name or none.
-XmlNode* get(XmlNode* node, const Step* steps);
 
 // Replaces the element's own text; child elements keep their places in it as far as it reaches. The
 // text is not copied: it must outlive the last use of the tree, unless kTextAllocated is set in the
@@ -115,16 +113,16 @@ XmlNode* get(XmlNode* node, const Step* steps);
 XmlNode* setText(XmlNode* node, const char* text);
 
 // Replaces an attribute's value, appends a new attribute, or removes it, however often the element
-// carries it, when the value is nullptr. Name and value are not copied: they must outlive the last use
-// of the tree, unless kAttributesAllocated was set in the node before the call, which hands both
-// over, the name of a removed attribute too. Returns the node.
+// carries it, when the value is nullptr. Name and value are not copied: they must outlive the last
+// use of the tree, unless kAttributesAllocated was set in the node before the call, which hands
+// both over, the name of a removed attribute too. Returns the node.
 XmlNode* setAttr(XmlNode* node, const char* name, const char* value);
 
 // Makes a child without attributes and text that stands `off` bytes into the parent's text, behind
 // the children already there. The name is not copied: it must outlive the last use of the tree,
-// unless kNameAllocated is set in the element afterwards, which hands it over. The document owns the
-// new element, which is returned.
-XmlNode* addChild(XmlNode* parent, const char* name, size_t off);
+// unless kNameAllocated is set in the element afterwards, which hands it over. The document owns
+// the new element, which is returned.
+XmlNode* addChild(XmlNode* parent, const char* name, std::size_t off);
 
 // Takes an element with its subtree out of its parent's lists. It keeps its document, which still
 // owns it and answers for its defaults and error, and its `parent`. The root stays where it is, and
@@ -133,10 +131,11 @@ XmlNode* cut(XmlNode* node);
 
 // Writes the element and its subtree; for the root also the document's processing instructions, but
 // neither XML declaration, comments nor document type. A default declared for an element is written
-// as its attribute, in as many elements as there are: a small file may make a large text. Never
-// nullptr; "" for no node or one without a name. The caller releases the text
-// with free(); `length`, when given, receives its length without the NUL.
-char* toXml(const XmlNode* node, size_t* length = nullptr);
+// as its attribute, in as many elements as there are, until such attributes have made 1 MiB of
+// text; the rest is left out, so that a small file makes no text without limit. Never nullptr; ""
+// for no node or one without a name. The caller releases the text with free(); `length`, when
+// given, receives its length without the NUL.
+char* toXml(const XmlNode* node, std::size_t* length = nullptr);
 
 // Releases the document with everything reachable from it, cut elements and allocated texts
 // included.
@@ -145,4 +144,4 @@ void freeDoc(XmlRoot* root);
 // The error of the node's document, "" when there was none. Valid until freeDoc.
 const char* error(const XmlNode* node);
 
-}  // namespace xml
+}  // namespace onu::xml

@@ -4,6 +4,8 @@
 
 #include "tests/xml/document.h"
 
+namespace onu::xml {
+
 namespace {
 
 TEST(Subset, Declares) {
@@ -118,11 +120,11 @@ TEST(Subset, IsRefused) {
 TEST(Defaults, AnswerAttr) {
   Parsed document(
       "<!DOCTYPE a [<!ATTLIST b c CDATA 'v'><!ATTLIST d e ID 'x'>]><a><b/><b c='w'/><d/></a>");
-  xml::XmlNode* b = xml::child(document.node(), "b");
-  EXPECT_STREQ(xml::attr(b, "c"), "v");
-  EXPECT_STREQ(xml::attr(xml::idx(b, 1), "c"), "w");
-  EXPECT_EQ(xml::attr(xml::child(document.node(), "d"), "c"), nullptr);
-  EXPECT_STREQ(xml::attr(xml::child(document.node(), "d"), "e"), "x");
+  XmlNode* b = child(document.node(), "b");
+  EXPECT_STREQ(attr(b, "c"), "v");
+  EXPECT_STREQ(attr(idx(b, 1), "c"), "w");
+  EXPECT_EQ(attr(child(document.node(), "d"), "c"), nullptr);
+  EXPECT_STREQ(attr(child(document.node(), "d"), "e"), "x");
   EXPECT_STREQ(document->attr[0][3], " ");
   EXPECT_STREQ(document->attr[1][3], "*");
   EXPECT_EQ(document->attr[2], nullptr);
@@ -136,11 +138,11 @@ TEST(Entities, ExpandToOneMebibyteAtMost) {
     subset += "<!ENTITY e" + std::to_string(i) + " '" + of + of + "'>";
   }
   Parsed document("<!DOCTYPE a [" + subset + "]><a><b>&e30;</b><b c='&e0;'>&e1;&lt;</b></a>");
-  xml::XmlNode* b = xml::child(document.node(), "b");
+  XmlNode* b = child(document.node(), "b");
   EXPECT_EQ(document.error(), "");
   EXPECT_GT(std::strlen(b->txt), 300000U);
   EXPECT_LT(std::strlen(b->txt), 1100000U);
-  EXPECT_EQ(shown(xml::idx(b, 1)), "b{c=&e0;;}'&e1;<'");
+  EXPECT_EQ(shown(idx(b, 1)), "b{c=&e0;;}'&e1;<'");
 }
 
 TEST(Instructions, KeepTheirSideAndTarget) {
@@ -154,3 +156,5 @@ TEST(Instructions, KeepTheirSideAndTarget) {
 }
 
 }  // namespace
+
+}  // namespace onu::xml

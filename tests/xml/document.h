@@ -9,33 +9,34 @@
 
 #include "xml/document.h"
 
+namespace onu::xml {
+
 // A document with its input, which ends with its heap allocation: whoever reads past it is found.
 class Parsed {
  public:
   explicit Parsed(std::string_view text)
       : buffer_(new char[text.size()]),
-        document_(
-            (text.copy(buffer_.get(), text.size()), xml::parseStr(buffer_.get(), text.size()))) {}
+        document_((text.copy(buffer_.get(), text.size()), parseStr(buffer_.get(), text.size()))) {}
 
-  xml::XmlNode* node() const { return document_.node(); }
-  xml::XmlRoot* operator->() const { return document_.get(); }
+  XmlNode* node() const { return document_.node(); }
+  XmlRoot* operator->() const { return document_.get(); }
   std::string error() const { return xml::error(node()); }
 
  private:
   std::unique_ptr<char[]> buffer_;
-  xml::Document document_;
+  Document document_;
 };
 
-inline std::string written(const xml::XmlNode* node) {
-  size_t length = 0;
-  char* text = xml::toXml(node, &length);
+inline std::string written(const XmlNode* node) {
+  std::size_t length = 0;
+  char* text = toXml(node, &length);
   std::string result(text, length);
   std::free(text);
   return result;
 }
 
 // The tree in one line, as name{attribute=value;}'text'[child@off child@off].
-inline std::string shown(const xml::XmlNode* node) {
+inline std::string shown(const XmlNode* node) {
   if (node == nullptr || node->name == nullptr) return "none";
   std::string text = node->name;
   for (const char** pair = node->attr; *pair != nullptr; pair += 2) {
@@ -43,7 +44,7 @@ inline std::string shown(const xml::XmlNode* node) {
   }
   text += node->attr[0] == nullptr ? "" : "}";
   text += std::string("'") + node->txt + "'";
-  for (const xml::XmlNode* child = node->child; child != nullptr; child = child->ordered) {
+  for (const XmlNode* child = node->child; child != nullptr; child = child->ordered) {
     text += child == node->child ? "[" : " ";
     text += shown(child) + "@" + std::to_string(child->off);
   }
@@ -51,13 +52,15 @@ inline std::string shown(const xml::XmlNode* node) {
 }
 
 // The children by name, as first,same,same|other: what idx and child walk along.
-inline std::string groups(const xml::XmlNode* parent) {
+inline std::string groups(const XmlNode* parent) {
   std::string text;
-  for (const xml::XmlNode* first = parent->child; first != nullptr; first = first->sibling) {
+  for (const XmlNode* first = parent->child; first != nullptr; first = first->sibling) {
     text += text.empty() ? "" : "|";
-    for (const xml::XmlNode* same = first; same != nullptr; same = same->next) {
+    for (const XmlNode* same = first; same != nullptr; same = same->next) {
       text += std::string(same == first ? "" : ",") + same->name + same->txt;
     }
   }
   return text;
 }
+
+}  // namespace onu::xml

@@ -7,6 +7,8 @@
 
 #include "tests/xml/document.h"
 
+namespace onu::xml {
+
 namespace {
 
 using namespace std::string_view_literals;
@@ -115,7 +117,7 @@ TEST(Prefixes, OfEveryLengthAreSafe) {
       "<!-- ] --><?x ]?>]>\n<a m=\"1\" n='&e;\r\n'>t&e;\r\n<b/>u<![CDATA[v]]><!-- w "
       "--><c>&#233;</c>"
       "</a><?p q?> ";
-  for (size_t length = 0; length <= whole.size(); ++length) {
+  for (std::size_t length = 0; length <= whole.size(); ++length) {
     Parsed document(whole.substr(0, length));
     std::string text = written(document.node());
     // Complete behind the root element, and behind the instruction.
@@ -164,10 +166,10 @@ TEST(Utf16, GrowsByHalf) {
 
 // Deeper than a small stack lets calls be; run under `ulimit -s 256` as well.
 TEST(Depth, IsNoMatterOfStack) {
-  constexpr size_t kDepth = 100000;
+  constexpr std::size_t kDepth = 100000;
   std::string text;
-  for (size_t i = 0; i < kDepth; ++i) text += "<a>";
-  for (size_t i = 0; i < kDepth; ++i) text += "</a>";
+  for (std::size_t i = 0; i < kDepth; ++i) text += "<a>";
+  for (std::size_t i = 0; i < kDepth; ++i) text += "</a>";
   Parsed document(text);
   EXPECT_EQ(document.error(), "");
   EXPECT_EQ(written(document.node()), text);
@@ -175,15 +177,14 @@ TEST(Depth, IsNoMatterOfStack) {
 }
 
 TEST(Files, AreReadByEveryEntryPoint) {
-  for (size_t length : {1U, 1016U, 1017U, 1018U, 5000U, 3000000U}) {
+  for (std::size_t length : {1U, 1016U, 1017U, 1018U, 5000U, 3000000U}) {
     std::string text = "<a>" + std::string(length, 'x') + "</a>";
     int fd = memfd_create("file", 0);
     ASSERT_EQ(pwrite(fd, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
     std::string path = "/proc/self/fd/" + std::to_string(fd);
     FILE* stream = fopen(path.c_str(), "r");
-    for (xml::XmlRoot* root :
-         {xml::parseFile(path.c_str()), xml::parseFd(fd), xml::parseStream(stream)}) {
-      xml::Document document(root);
+    for (XmlRoot* root : {parseFile(path.c_str()), parseFd(fd), parseStream(stream)}) {
+      Document document(root);
       ASSERT_TRUE(document);
       EXPECT_EQ(document->len, -1);
       EXPECT_TRUE(written(document.node()) == text) << length;
@@ -194,14 +195,15 @@ TEST(Files, AreReadByEveryEntryPoint) {
 }
 
 TEST(Files, ThatCannotBeRead) {
-  EXPECT_EQ(xml::parseFile("/nonexistent/file"), nullptr);
-  EXPECT_EQ(xml::parseFd(-1), nullptr);
+  EXPECT_EQ(parseFile("/nonexistent/file"), nullptr);
+  EXPECT_EQ(parseFd(-1), nullptr);
   int writeOnly = open("/dev/null", O_WRONLY);
-  for (xml::XmlRoot* root :
-       {xml::parseFile("/dev/null"), xml::parseFile("/tmp"), xml::parseFd(writeOnly)}) {
-    EXPECT_STREQ(xml::error(xml::Document(root).node()), "[error near line 1]: root tag missing");
+  for (XmlRoot* root : {parseFile("/dev/null"), parseFile("/tmp"), parseFd(writeOnly)}) {
+    EXPECT_STREQ(error(Document(root).node()), "[error near line 1]: root tag missing");
   }
   close(writeOnly);
 }
 
 }  // namespace
+
+}  // namespace onu::xml

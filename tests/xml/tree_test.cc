@@ -2,22 +2,23 @@
 
 #include "tests/xml/document.h"
 
+namespace onu::xml {
+
 namespace {
 
 TEST(Lookup, FindsByNameAndPlace) {
   Parsed document("<a><b><c>1</c></b><d/><b x='y'><c>2</c><c>3</c></b></a>");
-  xml::XmlNode* a = document.node();
-  xml::XmlNode* b = xml::child(a, "b");
-  EXPECT_EQ(xml::idx(b, 2), nullptr);
-  EXPECT_EQ(xml::child(a, "B"), nullptr);
-  EXPECT_STREQ(xml::attr(xml::idx(b, 1), "x"), "y");
-  EXPECT_STREQ(xml::get(a, {{"b", 1}, {"c", 1}})->txt, "3");
-  EXPECT_EQ(xml::get(a, {{"b", 2}, {"c", 0}}), nullptr);
-  EXPECT_STREQ(xml::get(a, {{"b", 0}, {"c", -1}, {"d", 0}})->txt, "1");
-  const xml::Step steps[] = {{"b", 1}, {"c", 0}, {"", 0}};
-  EXPECT_STREQ(xml::get(a, steps)->txt, "2");
-  EXPECT_EQ(xml::get(a, {}), a);
-  EXPECT_EQ(written(xml::idx(b, 1)), "<b x=\"y\"><c>2</c><c>3</c></b>");
+  XmlNode* a = document.node();
+  XmlNode* b = child(a, "b");
+  EXPECT_EQ(idx(b, 2), nullptr);
+  EXPECT_EQ(child(a, "B"), nullptr);
+  EXPECT_STREQ(attr(idx(b, 1), "x"), "y");
+  EXPECT_STREQ(get(a, {{"b", 1}, {"c", 1}})->txt, "3");
+  EXPECT_EQ(get(a, {{"b", 2}, {"c", 0}}), nullptr);
+  EXPECT_STREQ(get(a, {{"b", 0}, {"c", -1}, {"d", 0}})->txt, "1");
+  EXPECT_STREQ(get(a, {{"b", 1}, {"c", 0}, {"", 0}, {"d", 0}})->txt, "2");
+  EXPECT_EQ(get(a, {}), a);
+  EXPECT_EQ(written(idx(b, 1)), "<b x=\"y\"><c>2</c><c>3</c></b>");
 }
 
 // Names that begin with each other; more than are compared one by one, each twice, and the same
@@ -34,19 +35,18 @@ TEST(Lookup, GroupsNames) {
   }
   Parsed document("<a>" + once + "<z>" + once + once + "</z>" + once + "</a>");
   EXPECT_EQ(groups(document.node()), want + "|z");
-  EXPECT_EQ(groups(xml::child(document.node(), "z")), want);
+  EXPECT_EQ(groups(child(document.node(), "z")), want);
 }
 
 TEST(Null, IsAnsweredByNull) {
-  for (const xml::XmlNode* node :
-       {xml::child(nullptr, "a"), xml::idx(nullptr, 0), xml::get(nullptr, {{"a", 0}}),
-        xml::setText(nullptr, "a"), xml::setAttr(nullptr, "a", "b"), xml::addChild(nullptr, "a", 0),
-        xml::cut(nullptr)}) {
+  for (const XmlNode* node :
+       {child(nullptr, "a"), idx(nullptr, 0), get(nullptr, {{"a", 0}}), setText(nullptr, "a"),
+        setAttr(nullptr, "a", "b"), addChild(nullptr, "a", 0), cut(nullptr)}) {
     EXPECT_EQ(node, nullptr);
   }
-  EXPECT_EQ(xml::attr(nullptr, "a"), nullptr);
-  EXPECT_EQ(xml::parseFile(nullptr), nullptr);
-  EXPECT_EQ(written(nullptr) + xml::error(nullptr) + written(Parsed("").node()), "");
+  EXPECT_EQ(attr(nullptr, "a"), nullptr);
+  EXPECT_EQ(parseFile(nullptr), nullptr);
+  EXPECT_EQ(written(nullptr) + error(nullptr) + written(Parsed("").node()), "");
 }
 
 TEST(Write, Escapes) {
@@ -55,7 +55,7 @@ TEST(Write, Escapes) {
   EXPECT_EQ(written(document.node()), text);
   EXPECT_EQ(written(Parsed(text).node()), text);
   std::string many(60, '&');
-  xml::setText(document.node(), many.c_str());
+  setText(document.node(), many.c_str());
   EXPECT_EQ(written(document.node()).size(),
             text.size() - std::strlen("&#xD;\n\t\"]]&gt;") + 5 * 60);
 }
@@ -72,17 +72,17 @@ TEST(Write, NamesARepeatedAttributeOnce) {
 
 TEST(Edit, Texts) {
   Parsed document("<a>12<b/>34<c/>56</a>");
-  xml::XmlNode* a = document.node();
-  EXPECT_EQ(xml::setText(a, "x<y"), a);
+  XmlNode* a = document.node();
+  EXPECT_EQ(setText(a, "x<y"), a);
   EXPECT_EQ(written(a), "<a>x&lt;<b></b>y<c></c></a>");
-  xml::setText(a, strdup("0123456789"));
-  a->flags |= xml::kTextAllocated;
+  setText(a, strdup("0123456789"));
+  a->flags |= kTextAllocated;
   EXPECT_EQ(written(a), "<a>01<b></b>23<c></c>456789</a>");
-  xml::setText(a, "");
+  setText(a, "");
   EXPECT_EQ(written(a), "<a><b></b><c></c></a>");
-  xml::setText(a->child, strdup("left to the document"));
-  a->child->flags |= xml::kTextAllocated;
-  xml::setText(a->child, a->child->txt);
+  setText(a->child, strdup("left to the document"));
+  a->child->flags |= kTextAllocated;
+  setText(a->child, a->child->txt);
   EXPECT_STREQ(a->child->txt, "left to the document");
 
   Parsed inPieces("<a>1<b/>2</a>");
@@ -94,25 +94,25 @@ TEST(Edit, Texts) {
 
 TEST(Edit, Attributes) {
   Parsed document("<a><b c='1' d='2'/></a>");
-  xml::XmlNode* a = document.node();
-  xml::XmlNode* b = a->child;
+  XmlNode* a = document.node();
+  XmlNode* b = a->child;
   const char** none = a->attr;
-  EXPECT_EQ(xml::setAttr(b, "c", "3"), b);
-  xml::setAttr(b, "e", "4");
-  xml::setAttr(b, "d", nullptr);
-  xml::setAttr(b, "none", nullptr);
+  EXPECT_EQ(setAttr(b, "c", "3"), b);
+  setAttr(b, "e", "4");
+  setAttr(b, "d", nullptr);
+  setAttr(b, "none", nullptr);
   EXPECT_EQ(shown(b), "b{c=3;e=4;}''");
   EXPECT_EQ(std::strlen(b->attr[5]), 2U);
-  xml::setAttr(a, "x", "y");
+  setAttr(a, "x", "y");
   EXPECT_EQ(shown(a).substr(0, 6), "a{x=y;");
-  xml::setAttr(a, "x", nullptr);
+  setAttr(a, "x", nullptr);
   EXPECT_EQ(a->attr, none);
-  b->flags |= xml::kAttributesAllocated;
-  xml::setAttr(b, strdup("c"), strdup("own"));
-  xml::setAttr(b, b->attr[0], b->attr[1]);
+  b->flags |= kAttributesAllocated;
+  setAttr(b, strdup("c"), strdup("own"));
+  setAttr(b, b->attr[0], b->attr[1]);
   EXPECT_EQ(shown(b), "b{c=own;e=4;}''");
   Parsed repeated("<a b='1' c='2' b='3' d='4'/>");
-  xml::setAttr(repeated.node(), "b", nullptr);
+  setAttr(repeated.node(), "b", nullptr);
   EXPECT_EQ(shown(repeated.node()), "a{c=2;d=4;}''");
   EXPECT_EQ(std::strlen(repeated.node()->attr[5]), 2U);
 }
@@ -123,11 +123,11 @@ TEST(Edit, ManyAttributes) {
     tag += " b" + std::to_string(i) + "='" + std::to_string(i) + "'";
   }
   Parsed document(tag + "/>");
-  xml::XmlNode* a = document.node();
+  XmlNode* a = document.node();
   EXPECT_EQ(std::string(a->attr[81]), std::string(40, ' '));
-  xml::setAttr(a, "b39", "x");
-  xml::setAttr(a, "c", "y");
-  xml::setAttr(a, "b0", nullptr);
+  setAttr(a, "b39", "x");
+  setAttr(a, "c", "y");
+  setAttr(a, "b0", nullptr);
   EXPECT_EQ(std::string(a->attr[81]), std::string(40, ' '));
   std::string text = written(a);
   EXPECT_EQ(text.substr(0, 8), "<a b1=\"1");
@@ -137,23 +137,23 @@ TEST(Edit, ManyAttributes) {
 // Copies that are handed over are released when replaced, removed, or with the document.
 TEST(Edit, AttributesHandedOver) {
   Parsed document("<a b='1'/>");
-  xml::XmlNode* a = document.node();
-  a->flags |= xml::kAttributesAllocated;
-  xml::setAttr(a, strdup("b"), strdup("2"));
-  xml::setAttr(a, strdup("b"), strdup("3"));
-  xml::setAttr(a, strdup("c"), strdup("4"));
-  xml::setAttr(a, strdup("d"), strdup("5"));
-  xml::setAttr(a, strdup("d"), nullptr);
-  xml::setAttr(a, strdup("none"), nullptr);
-  a->flags = static_cast<uint8_t>(a->flags & ~xml::kAttributesAllocated);
-  xml::setAttr(a, "c", "6");
+  XmlNode* a = document.node();
+  a->flags |= kAttributesAllocated;
+  setAttr(a, strdup("b"), strdup("2"));
+  setAttr(a, strdup("b"), strdup("3"));
+  setAttr(a, strdup("c"), strdup("4"));
+  setAttr(a, strdup("d"), strdup("5"));
+  setAttr(a, strdup("d"), nullptr);
+  setAttr(a, strdup("none"), nullptr);
+  a->flags = static_cast<uint8_t>(a->flags & ~kAttributesAllocated);
+  setAttr(a, "c", "6");
   EXPECT_EQ(shown(a), "a{b=3;c=6;}''");
 }
 
 TEST(Edit, AddsAndCutsChildren) {
   struct {
     const char* name;
-    size_t off;
+    std::size_t off;
     const char *written, *groups;
   } const cases[] = {{"b", 0, "<a><b></b>1<b></b>2<c></c>3<b></b>4</a>", "b,b,b|c"},
                      {"b", 1, "<a>1<b></b><b></b>2<c></c>3<b></b>4</a>", "b,b,b|c"},
@@ -166,31 +166,33 @@ TEST(Edit, AddsAndCutsChildren) {
   std::string text = "<a>1<b></b>2<c></c>3<b></b>4</a>";
   for (const auto& c : cases) {
     Parsed document(text);
-    xml::XmlNode* a = document.node();
-    xml::XmlNode* added = xml::addChild(a, c.name, c.off);
+    XmlNode* a = document.node();
+    XmlNode* added = addChild(a, c.name, c.off);
     EXPECT_EQ(written(a), c.written);
     EXPECT_EQ(groups(a), c.groups) << c.written;
-    EXPECT_EQ(xml::cut(added), added);
-    EXPECT_EQ(xml::cut(added), added);
+    EXPECT_EQ(cut(added), added);
+    EXPECT_EQ(cut(added), added);
     EXPECT_EQ(written(a), text);
     EXPECT_EQ(groups(a), "b,b|c");
   }
   Parsed document(text);
-  xml::XmlNode* owner = xml::addChild(document.node(), strdup("handed"), 9);
-  owner->flags |= xml::kNameAllocated;
-  xml::cut(owner);
+  XmlNode* owner = addChild(document.node(), strdup("handed"), 9);
+  owner->flags |= kNameAllocated;
+  cut(owner);
   EXPECT_EQ(owner->parent, document.node());
-  xml::cut(document.node()->child);
+  cut(document.node()->child);
   EXPECT_EQ(written(document.node()), "<a>12<c></c>3<b></b>4</a>");
   EXPECT_EQ(groups(document.node()), "c|b");
 }
 
 TEST(Edit, BuildsATree) {
   Parsed document("<a/>");
-  for (int i = 0; i < 1000; ++i) xml::setText(xml::addChild(document.node(), "b", 0), "x");
-  xml::XmlNode* last = xml::get(document.node(), {{"b", 999}});
-  xml::setAttr(xml::addChild(last, "c", 1), "d", "e");
+  for (int i = 0; i < 1000; ++i) setText(addChild(document.node(), "b", 0), "x");
+  XmlNode* last = get(document.node(), {{"b", 999}});
+  setAttr(addChild(last, "c", 1), "d", "e");
   EXPECT_EQ(written(last), "<b>x<c d=\"e\"></c></b>");
 }
 
 }  // namespace
+
+}  // namespace onu::xml
