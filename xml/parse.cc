@@ -77,7 +77,7 @@ char* Parser::find(char* p, char wanted) const {
   while (*p != wanted && *p != '\0') {
     ++p;
   }
-  return p == last_ && lastByte_ != wanted ? e_ : p;
+  return p == last_ && lastByte_ != wanted && lastByte_ != '\0' ? e_ : p;
 }
 
 char* Parser::skipSpaces(char* p) const {
