@@ -37,21 +37,16 @@ std::size_t collapseSpaces(char* text, std::size_t length) {
 
 Decoder::~Decoder() { std::free(heap_); }
 
-Decoded Decoder::decode(char* text, std::size_t length, Mode mode) {
+Decoded Decoder::decode(char* text, char* odd, std::size_t length, Mode mode) {
   mode_ = mode;
-  start_ = write_ = read_ = text;
+  start_ = text;
+  write_ = read_ = odd;
   end_ = text + length;
-  const char sign = mode == Mode::kEntity ? '%' : '&';
-  const bool isAttribute = mode == Mode::kAttribute || mode == Mode::kTokens;
-  while (read_ != end_) {
-    const char c = *read_;
-    if (c == sign) {
+  while (copyPlain()) {
+    if (*read_ == '&' || *read_ == '%') {
       reference();
-    } else if (c == '\r' || (isAttribute && (c == '\n' || c == '\t'))) {
-      lineEnd();
     } else {
-      *write_++ = c;
-      ++read_;
+      lineEnd();
     }
   }
   auto written = static_cast<std::size_t>(write_ - start_);
@@ -63,6 +58,21 @@ Decoded Decoder::decode(char* text, std::size_t length, Mode mode) {
     start_[written] = '\0';
   }
   return {start_, written, inPlace};
+}
+
+// Copies what needs no decoding. False when that was all.
+bool Decoder::copyPlain() {
+  const char sign = mode_ == Mode::kEntity ? '%' : '&';
+  const bool isAttribute = mode_ == Mode::kAttribute || mode_ == Mode::kTokens;
+  const char* read = read_;
+  char* write = write_;
+  while (read != end_ && *read != sign && *read != '\r' &&
+         !(isAttribute && (*read == '\n' || *read == '\t'))) {
+    *write++ = *read++;
+  }
+  read_ += read - read_;
+  write_ = write;
+  return read_ != end_;
 }
 
 void Decoder::lineEnd() {

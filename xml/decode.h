@@ -33,10 +33,12 @@ class Decoder {
   // The declared entities; until set there are only the predefined ones.
   void setEntities(Entities* entities) { entities_ = entities; }
 
-  // Decodes [text, text + length), which must be followed by a writable byte.
-  Decoded decode(char* text, std::size_t length, Mode mode);
+  // Decodes [text, text + length), which must be followed by a writable byte. Nothing before `odd`
+  // needs it.
+  Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
 
  private:
+  bool copyPlain();
   void lineEnd();
   void reference();
   bool characterReference();

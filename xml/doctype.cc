@@ -247,7 +247,7 @@ void Doctype::addDefault(Token element, Token name, Token value, Mode mode) {
 // The value decoded, in the document's own memory, with a NUL behind it.
 std::string_view Doctype::decodedCopy(Token value, Mode mode) {
   char* const text = root_.texts.copy(value.data(), value.size());
-  const Decoded decoded = decoder_.decode(text, value.size(), mode);
+  const Decoded decoded = decoder_.decode(text, text, value.size(), mode);
   return {decoded.inPlace ? text : root_.texts.copy(decoded.text, decoded.length), decoded.length};
 }
 

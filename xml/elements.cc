@@ -46,10 +46,12 @@ char* Parser::startTag(char* p) {
   char tagEnd = *nameEnd;
   p = nameEnd;
   if (tagEnd != '>') {
-    tagEnd = attributes(&p, {name, length}, &array);
+    tagEnd = attributes(p, {name, length});
+    p = p_;
     if (p == nullptr) {
       return nullptr;
     }
+    array = finishArray();
   }
   const bool isEmpty = tagEnd == '/';
   if (isEmpty ? peek(p + 1) != '>' : tagEnd != '>') {
@@ -79,115 +81,119 @@ char* Parser::startTag(char* p) {
   return stop;
 }
 
-// Collects the attributes from the place on, which becomes that of what ends the tag: '/', '>', or
-// NUL at the end of the data. It becomes nullptr after an error.
-char Parser::attributes(char** place, std::string_view element, const char*** array) {
-  auto** start = reinterpret_cast<const char**>(root_.words.next());
-  const char** pair = start;
-  char* p = *place;
+// Collects the attributes from p on in array_ and leaves p_ where the tag ends. Returns what stands
+// there: '/', '>', or NUL at the end of the data. p_ is nullptr after an error.
+char Parser::attributes(char* p, std::string_view element) {
+  array_ = pair_ = reinterpret_cast<const char**>(root_.words.next());
+  pairLimit_ = array_ + root_.words.left() / sizeof(*array_);
   char c = '\0';
-  for (;;) {
-    while (isSpace(*p)) {
-      ++p;
+  do {
+    p_ = doctype_ == nullptr ? plainAttributes(p) : p;
+    c = *p_;
+    if (c != '>' && c != '/') {
+      c = oddAttribute(element);
     }
-    char* const name = p;
-    p = skipTo(p, kAttributeNameEnd);
-    c = *p;
-    if (p == name && (c == '>' || c == '/')) {
-      break;
-    }
-    if (root_.words.left() < static_cast<std::size_t>(pair - start + 4) * sizeof(*pair)) {
-      const char** const moved = roomForPair(start, pair);
-      pair = moved + (pair - start);
-      start = moved;
-    }
-    if (c == '=' && p[1] == '"' && p != name && doctype_ == nullptr) {
-      char* const end = skipTo(p + 2, kValueStop);
-      if (*end == '"') {
-        *p = '\0';
-        *end = '\0';
-        pair[0] = name;
-        pair[1] = p + 2;
-        pair += 2;
-        p = end + 1;
-        continue;
-      }
-    }
-    p = name;
-    c = oddAttribute(&p, element, &pair);
-    if (c == '>' || c == '/' || c == '\0') {
-      break;
-    }
-  }
-  *place = p;
-  if (p != nullptr && pair != start) {
-    *array = finishArray(start, pair);
-  }
+    p = p_;
+  } while (c != '>' && c != '/' && c != '\0');
   return c;
 }
 
-// Any form of an attribute at the place. One without a quoted value gets the empty one. Returns
-// what stands at the place behind it.
-char Parser::oddAttribute(char** place, std::string_view element, const char*** pair) {
-  char* p = skipSpaces(*place);
-  char c = peek(p);
-  char* const name = p;
-  while (!is(peek(p), kAttributeNameEnd)) {
-    ++p;
+// Takes attributes of the usual form: a name and a value in double quotes that needs no decoding.
+// Returns the place behind them.
+inline char* Parser::plainAttributes(char* p) {
+  const char** pair = pair_;
+  while (pairLimit_ - pair >= kPairAndEnd) {
+    char* name = p;
+    while (isSpace(*name)) {
+      ++name;
+    }
+    char* const nameEnd = skipTo(name, kAttributeNameEnd);
+    if (*nameEnd != '=' || nameEnd[1] != '"' || nameEnd == name) {
+      break;
+    }
+    char* const value = nameEnd + 2;
+    char* const valueEnd = skipTo(value, kValueStop);
+    if (*valueEnd != '"') {
+      break;
+    }
+    *nameEnd = '\0';
+    *valueEnd = '\0';
+    pair[0] = name;
+    pair[1] = value;
+    pair += 2;
+    p = valueEnd + 1;
   }
-  char* const nameEnd = p;
-  p = skipSpaces(p);
-  if (c == '>' || c == '/' || nameEnd == e_) {
-    *place = p;
-    return peek(p);
-  }
-  c = peek(p);
-  const bool hasValue = c == '=';
-  if (hasValue) {
-    p = skipSpaces(p + 1);
-    c = peek(p);
-  }
-  terminate(nameEnd);
-  *place = p;
-  const bool isQuoted = hasValue && (c == '"' || c == '\'');
-  *(*pair)++ = name;
-  *(*pair)++ = isQuoted ? attributeValue(place, element, name) : "";
-  return *place == nullptr || *place == e_ ? '\0' : c;
+  pair_ = pair;
+  return p;
 }
 
-// Cuts out and decodes the value behind the opening quote at the place, which becomes that behind
-// the closing quote, or nullptr when there is none.
-const char* Parser::attributeValue(char** place, std::string_view element, const char* name) {
-  char* const quote = *place;
+// Any form of an attribute at p_. One without a quoted value gets the empty one. Returns what
+// stands at p_ then.
+char Parser::oddAttribute(std::string_view element) {
+  char* const name = p_ = skipSpaces(p_);
+  while (!is(peek(p_), kAttributeNameEnd)) {
+    ++p_;
+  }
+  char* const nameEnd = p_;
+  p_ = skipSpaces(p_);
+  char c = peek(p_);
+  if (nameEnd == e_ || (nameEnd == name && (c == '>' || c == '/'))) {
+    return c;
+  }
+  const bool hasValue = c == '=';
+  if (hasValue) {
+    p_ = skipSpaces(p_ + 1);
+    c = peek(p_);
+  }
+  terminate(nameEnd);
+  const bool isQuoted = hasValue && (c == '"' || c == '\'');
+  const char* const value = isQuoted ? attributeValue(element, name) : "";
+  if (pairLimit_ - pair_ < kPairAndEnd) {
+    growArray();
+  }
+  *pair_++ = name;
+  *pair_++ = value;
+  return p_ == nullptr || p_ == e_ ? '\0' : c;
+}
+
+// Cuts out and decodes the value behind the opening quote at p_, which goes behind the closing
+// quote, or becomes nullptr when there is none.
+const char* Parser::attributeValue(std::string_view element, const char* name) {
+  char* const quote = p_;
   char* const value = quote + 1;
   char* const end = find(value, peek(quote));
   if (peek(end) == '\0') {
-    *place = fail(quote, "missing %s", {quote, 1});
+    p_ = fail(quote, "missing %s", {quote, 1});
     return nullptr;
   }
   const Mode mode = doctype_ == nullptr ? Mode::kAttribute : doctype_->attributeMode(element, name);
-  const Decoded decoded = decode(value, static_cast<std::size_t>(end - value), mode);
+  const Decoded decoded = decode(value, value, static_cast<std::size_t>(end - value), mode);
   *end = '\0';
-  *place = end + 1;
+  p_ = end + 1;
   return decoded.inPlace ? value : root_.texts.copy(decoded.text, decoded.length);
 }
 
-// Makes room for another pair and the array's end; the array may move.
-const char** Parser::roomForPair(const char** array, const char** pair) {
-  const auto bytes = static_cast<std::size_t>(pair - array) * sizeof(*array);
-  root_.words.startBlock(2 * bytes + 16 * sizeof(*array));
+void Parser::growArray() {
+  const auto bytes = static_cast<std::size_t>(pair_ - array_) * sizeof(*array_);
+  root_.words.startBlock(2 * bytes + 16 * sizeof(*array_));
   auto** const moved = reinterpret_cast<const char**>(root_.words.next());
   if (bytes != 0) {
-    std::memcpy(moved, array, bytes);
+    std::memcpy(moved, array_, bytes);
   }
-  return moved;
+  pair_ = moved + (pair_ - array_);
+  array_ = moved;
+  pairLimit_ = array_ + root_.words.left() / sizeof(*array_);
 }
 
-const char** Parser::finishArray(const char** array, const char** pair) {
+// Ends the array of the attributes collected.
+const char** Parser::finishArray() {
   static constexpr char kAllBorrowed[] = "                                ";
   constexpr std::size_t kShared = sizeof(kAllBorrowed) - 1;
   static_assert(kAllBorrowed[0] == kBorrowed);
-  const auto count = static_cast<std::size_t>(pair - array) / 2;
+  const auto count = static_cast<std::size_t>(pair_ - array_) / 2;
+  if (count == 0) {
+    return noAttributes();
+  }
   const char* owners = kAllBorrowed + kShared - (count < kShared ? count : kShared);
   if (count > kShared) {
     char* const text = root_.texts.take(count + 1);
@@ -195,10 +201,10 @@ const char** Parser::finishArray(const char** array, const char** pair) {
     text[count] = '\0';
     owners = text;
   }
-  pair[0] = nullptr;
-  pair[1] = owners;
-  root_.words.takeUpTo(reinterpret_cast<char*>(pair + 2));
-  return array;
+  pair_[0] = nullptr;
+  pair_[1] = owners;
+  root_.words.takeUpTo(reinterpret_cast<char*>(pair_ + 2));
+  return array_;
 }
 
 char* Parser::endTag(char* p) {
@@ -326,9 +332,9 @@ inline void Parser::open(XmlNode* node, std::size_t nameLength) {
 void Parser::close() {
   XmlNode* const node = top_->node;
   if (top_->pieces != kNoPieces) {
-    node->txt = root_.texts.copy(pieces_.data() + top_->pieces, top_->textLength);
+    piecesEnd_ = pieces_.data() + top_->pieces;
+    node->txt = root_.texts.copy(piecesEnd_, top_->textLength);
     node->flags |= kTextAllocated | kTextInBlock;
-    piecesEnd_ = top_->pieces;
   }
   if (top_->groups > kFewGroups) {
     regroup(node);
@@ -340,28 +346,24 @@ void Parser::close() {
   top_ = open_.empty() ? nullptr : &open_.back();
 }
 
-// A piece behind the first. One of the input is copied in steps where so much can be read.
-void Parser::appendPiece(const char* text, std::size_t length, bool isInput) {
-  constexpr std::size_t kStep = 8;
+// A piece behind the first. The first itself is copied when the second comes.
+void Parser::appendPiece(const char* text, std::size_t length) {
   if (top_->pieces == kNoPieces) {
     const std::size_t first = std::exchange(top_->textLength, 0);
-    top_->pieces = piecesEnd_;
+    top_->pieces = static_cast<std::size_t>(piecesEnd_ - pieces_.data());
     if (first != 0) {
-      appendPiece(top_->node->txt, first, true);
+      appendPiece(top_->node->txt, first);
     }
   }
-  top_->textLength += length;
-  if (pieces_.size() - piecesEnd_ < length + 2 * kStep) {
+  if (static_cast<std::size_t>(pieces_.data() + pieces_.size() - piecesEnd_) < length + kStep) {
+    const std::ptrdiff_t used = piecesEnd_ - pieces_.data();
     pieces_.resize(2 * (pieces_.size() + length) + 256);
+    piecesEnd_ = pieces_.data() + used;
+    piecesLimit_ = pieces_.data() + pieces_.size() - kStep;
   }
-  char* const to = pieces_.data() + piecesEnd_;
+  std::memcpy(piecesEnd_, text, length);
   piecesEnd_ += length;
-  if (isInput && length <= 2 * kStep && static_cast<std::size_t>(last_ - text) > 2 * kStep) {
-    std::memcpy(to, text, kStep);
-    std::memcpy(to + kStep, text + kStep, kStep);
-  } else {
-    std::memcpy(to, text, length);
-  }
+  top_->textLength += length;
 }
 
 }  // namespace onu::xml::internal

@@ -9,7 +9,15 @@ namespace onu::xml::internal {
 
 namespace {
 
-std::ptrdiff_t countLines(const char* p, const char* e) { return std::count(p, e, '\n'); }
+std::ptrdiff_t countLines(const char* p, const char* e) {
+  std::ptrdiff_t lines = 0;
+  while ((p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(e - p)))) !=
+         nullptr) {
+    ++lines;
+    ++p;
+  }
+  return lines;
+}
 
 // Whether an XML declaration's text, which is read as far as it holds pairs of a name and a quoted
 // value, sets "standalone" to yes.
@@ -106,17 +114,18 @@ char* Parser::markupAt(char* p) {
   return p == last_ ? fail(p, kUnexpected) : p;
 }
 
-// Character data of the open element, where bytes from `stop` on have to be decoded.
-char* Parser::oddContent(char* text, char* stop) {
-  stop = find(stop, '<');
+// Character data of the open element, where bytes from `odd` on have to be decoded.
+char* Parser::oddContent(char* text, char* odd) {
+  char* const stop = find(odd, '<');
   if (peek(stop) == '\0') {
     return markupAt(stop);
   }
-  const Decoded decoded = decode(text, static_cast<std::size_t>(stop - text), Mode::kContent);
+  const auto length = static_cast<std::size_t>(stop - text);
+  const Decoded decoded = decode(text, odd, length, Mode::kContent);
   if (decoded.inPlace) {
     appendText(decoded.text, decoded.length);
   } else if (decoded.length != 0) {
-    appendPiece(decoded.text, decoded.length, false);
+    appendPiece(decoded.text, decoded.length);
   }
   return stop == last_ ? fail(stop, kUnexpected) : stop;
 }
@@ -258,10 +267,10 @@ void Parser::publishInstructions() {
 }
 
 // Keeps the count of lines right, which decoding in place changes.
-Decoded Parser::decode(char* text, std::size_t length, Mode mode) {
-  lostLines_ += countLines(text, text + length);
-  const Decoded decoded = decoder_.decode(text, length, mode);
-  lostLines_ -= countLines(text, text + length);
+Decoded Parser::decode(char* text, char* odd, std::size_t length, Mode mode) {
+  lostLines_ += countLines(odd, text + length);
+  const Decoded decoded = decoder_.decode(text, odd, length, mode);
+  lostLines_ -= countLines(odd, text + length);
   return decoded;
 }
 

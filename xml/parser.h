@@ -26,6 +26,8 @@ class Parser {
   static constexpr const char* kOutside = "markup outside of root element";
   static constexpr const char* kUnexpected = "unexpected <";
   static constexpr std::size_t kNoPieces = static_cast<std::size_t>(-1);
+  static constexpr std::ptrdiff_t kPairAndEnd = 4;  // pointers
+  static constexpr std::size_t kStep = 16;          // bytes that short pieces are copied in
   // Children of up to so many names are grouped as they come.
   static constexpr std::size_t kFewGroups = 16;
 
@@ -62,17 +64,18 @@ class Parser {
 
   // elements.cc: what most of the input is made of, together for speed
   char* startTag(char* p);
-  char attributes(char** place, std::string_view element, const char*** array);
-  char oddAttribute(char** place, std::string_view element, const char*** pair);
-  const char* attributeValue(char** place, std::string_view element, const char* name);
-  const char** roomForPair(const char** array, const char** pair);
-  const char** finishArray(const char** array, const char** pair);
+  char attributes(char* p, std::string_view element);
+  char* plainAttributes(char* p);
+  char oddAttribute(std::string_view element);
+  const char* attributeValue(std::string_view element, const char* name);
+  void growArray();
+  const char** finishArray();
   char* endTag(char* p);
   char* behindEndTag(char* p, const char* name, std::size_t length) const;
   char* behindOddEndTag(char* p);
   char* content(char* p);
   void appendText(char* text, std::size_t length);
-  void appendPiece(const char* text, std::size_t length, bool isInput);
+  void appendPiece(const char* text, std::size_t length);
   void terminate(char* end);
   XmlNode* add(char* name, std::size_t length, const char** attributes);
   void link(XmlNode* node, std::size_t length);
@@ -82,7 +85,7 @@ class Parser {
 
   // parse.cc: the rest; other markup returns the place behind it
   char* otherMarkup(char* p);
-  char* oddContent(char* text, char* stop);
+  char* oddContent(char* text, char* odd);
   char* outsideContent(char* text);
   char* markupAt(char* p);
   char* declaration(char* p);
@@ -93,7 +96,7 @@ class Parser {
   char* instruction(char* p);
   void end();
   void publishInstructions();
-  Decoded decode(char* text, std::size_t length, Mode mode);
+  Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
   // The argument stands in for the "%s" of the message. Always nullptr.
   char* fail(const char* place, std::string_view message, std::string_view argument = {});
 
@@ -107,7 +110,12 @@ class Parser {
   std::vector<Open> open_;
   Open* top_ = nullptr;       // the innermost of them
   std::vector<char> pieces_;  // of their texts, the innermost one's on top
-  std::size_t piecesEnd_ = 0;
+  char* piecesEnd_ = nullptr;
+  char* piecesLimit_ = nullptr;   // kStep bytes can be written here yet
+  char* p_ = nullptr;             // in a tag: where what is not of the usual form goes on
+  const char** array_ = nullptr;  // the tag's attributes
+  const char** pair_ = nullptr;   // where the next one goes
+  const char** pairLimit_ = nullptr;
   Decoder decoder_;
   std::unique_ptr<Doctype> doctype_;
   std::unique_ptr<Instructions> instructions_;
@@ -124,8 +132,15 @@ inline void Parser::appendText(char* text, std::size_t length) {
   if (length == 0) {
     return;
   }
+  if (top_->pieces != kNoPieces && length <= kStep &&
+      piecesEnd_<piecesLimit_&& static_cast<std::size_t>(last_ - text)> kStep) {
+    std::memcpy(piecesEnd_, text, kStep);
+    piecesEnd_ += length;
+    top_->textLength += length;
+    return;
+  }
   if (top_->textLength != 0) {
-    appendPiece(text, length, true);
+    appendPiece(text, length);
     return;
   }
   text[length] = '\0';
