@@ -39,6 +39,7 @@ Decoder::~Decoder() { std::free(heap_); }
 
 Decoded Decoder::decode(char* text, char* odd, std::size_t length, Mode mode) {
   mode_ = mode;
+  stops_ = mode == Mode::kContent ? kContentStop : kValueStop;
   start_ = text;
   write_ = read_ = odd;
   end_ = text + length;
@@ -62,17 +63,32 @@ Decoded Decoder::decode(char* text, char* odd, std::size_t length, Mode mode) {
 
 // Copies what needs no decoding. False when that was all.
 bool Decoder::copyPlain() {
-  const char sign = mode_ == Mode::kEntity ? '%' : '&';
-  const bool isAttribute = mode_ == Mode::kAttribute || mode_ == Mode::kTokens;
-  const char* read = read_;
+  const char* const end = end_;
+  char* read = read_;
   char* write = write_;
-  while (read != end_ && *read != sign && *read != '\r' &&
-         !(isAttribute && (*read == '\n' || *read == '\t'))) {
-    *write++ = *read++;
+  for (;; *write++ = *read++) {
+    while (read != end && !is(*read, stops_)) {
+      *write++ = *read++;
+    }
+    if (read == end || isOdd(*read)) {
+      break;
+    }
   }
-  read_ += read - read_;
+  read_ = read;
   write_ = write;
-  return read_ != end_;
+  return read != end;
+}
+
+// Of what the table stops at.
+bool Decoder::isOdd(char c) const {
+  switch (mode_) {
+    case Mode::kContent:
+      return c == '&' || c == '\r';
+    case Mode::kEntity:
+      return c == '%' || c == '\r';
+    default:
+      return c == '&' || (c != ' ' && isSpace(c));
+  }
 }
 
 void Decoder::lineEnd() {

@@ -39,6 +39,7 @@ class Decoder {
 
  private:
   bool copyPlain();
+  bool isOdd(char c) const;
   void lineEnd();
   void reference();
   bool characterReference();
@@ -49,6 +50,7 @@ class Decoder {
   Entities* entities_ = nullptr;
   char* heap_ = nullptr;  // where text went that outgrew its place
   Mode mode_ = Mode::kContent;
+  unsigned stops_ = 0;  // classes of bytes that are looked at twice
   // Text written, a gap, and text still to read; replacements are put in front of the latter and
   // read in their turn.
   char* start_ = nullptr;

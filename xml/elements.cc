@@ -325,8 +325,14 @@ void Parser::regroup(XmlNode* parent) const {
 }
 
 inline void Parser::open(XmlNode* node, std::size_t nameLength) {
-  open_.push_back({node, nameLength, 0, kNoPieces, nullptr, nullptr, 0, 0});
-  top_ = &open_.back();
+  Open* next = spare_;
+  if (next != nullptr) {
+    spare_ = next->outer;
+  } else {
+    next = reinterpret_cast<Open*>(opens_.take(sizeof(Open)));
+  }
+  *next = {top_, node, nameLength, 0, kNoPieces, nullptr, nullptr, 0, 0};
+  top_ = next;
 }
 
 void Parser::close() {
@@ -342,8 +348,8 @@ void Parser::close() {
   for (XmlNode* first = node->child; first != nullptr; first = first->sibling) {
     first->parent = node;
   }
-  open_.pop_back();
-  top_ = open_.empty() ? nullptr : &open_.back();
+  Open* const closed = std::exchange(top_, top_->outer);
+  closed->outer = std::exchange(spare_, closed);
 }
 
 // A piece behind the first. The first itself is copied when the second comes.

@@ -55,7 +55,8 @@ Parser::Parser(RootImpl& root)
     : root_(root), e_(root.e), last_(root.s == root.e ? &lastByte_ : root.e - 1), stop_(root.e) {
   lastByte_ = root.s == root.e ? '\0' : *last_;
   hideLast();
-  open_.reserve(kFewGroups);
+  opens_.expect(std::clamp<std::size_t>(static_cast<std::size_t>(e_ - root_.s) / 16,
+                                        12 * sizeof(Open), 8192));
 }
 
 void Parser::end() {

@@ -34,6 +34,7 @@ class Parser {
   // An element whose end tag is still to come. The first child of a name keeps the last one of that
   // name in its `parent` until then.
   struct Open {
+    Open* outer;
     XmlNode* node;
     std::size_t nameLength;
     std::size_t textLength;
@@ -107,8 +108,9 @@ class Parser {
   bool failed_ = false;
   const char* stop_;              // where the data ended
   std::ptrdiff_t lostLines_ = 0;  // line feeds that decoding has overwritten so far
-  std::vector<Open> open_;
-  Open* top_ = nullptr;       // the innermost of them
+  Open* top_ = nullptr;           // the innermost open element
+  Open* spare_ = nullptr;         // to be used again, each with the next as its outer one
+  Arena opens_;
   std::vector<char> pieces_;  // of their texts, the innermost one's on top
   char* piecesEnd_ = nullptr;
   char* piecesLimit_ = nullptr;   // kStep bytes can be written here yet

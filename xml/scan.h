@@ -18,7 +18,7 @@ enum ByteClass : std::uint8_t {
   kTagNameEnd = 0x02,
   kAttributeNameEnd = 0x04,
   kContentStop = 0x08,  // the next markup, or what has to be decoded
-  kValueStop = 0x10,    // likewise in an attribute's value, with both quotes
+  kValueStop = 0x10,    // likewise in an attribute's or entity's value, with both quotes
   kNameStart = 0x20,
   kContentEscape = 0x40,  // what cannot be written as it is
   kValueEscape = 0x80,
@@ -34,7 +34,7 @@ constexpr std::array<std::uint8_t, 256> makeByteClasses() {
       {"/>"sv, kTagNameEnd | kAttributeNameEnd},
       {"="sv, kAttributeNameEnd},
       {"<&\r\0"sv, kContentStop},
-      {"\"'&\r\n\t\0"sv, kValueStop},
+      {"\"'&%\r\n\t\0"sv, kValueStop},
       {"&<>\r\0"sv, kContentEscape | kValueEscape},
       {"\"\n\t"sv, kValueEscape},
       {"\0"sv, kTagNameEnd | kAttributeNameEnd},
