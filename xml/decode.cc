@@ -39,15 +39,21 @@ Decoder::~Decoder() { std::free(heap_); }
 
 Decoded Decoder::decode(char* text, char* odd, std::size_t length, Mode mode) {
   mode_ = mode;
+  movesLines_ = false;
   stops_ = mode == Mode::kContent ? kContentStop : kValueStop;
   start_ = text;
   write_ = read_ = odd;
   end_ = text + length;
+  const char sign = mode == Mode::kEntity ? '%' : '&';
+  const bool isAttribute = mode == Mode::kAttribute || mode == Mode::kTokens;
   while (copyPlain()) {
-    if (*read_ == '&' || *read_ == '%') {
+    const char c = *read_;
+    if (c == sign) {
       reference();
-    } else {
+    } else if (c == '\r' || (isAttribute && isSpace(c))) {
       lineEnd();
+    } else {
+      *write_++ = *read_++;
     }
   }
   auto written = static_cast<std::size_t>(write_ - start_);
@@ -61,39 +67,24 @@ Decoded Decoder::decode(char* text, char* odd, std::size_t length, Mode mode) {
   return {start_, written, inPlace};
 }
 
-// Copies what needs no decoding. False when that was all.
+// Copies up to a byte that may need decoding. False when that was all.
 bool Decoder::copyPlain() {
   const char* const end = end_;
+  const unsigned stops = stops_;
   char* read = read_;
   char* write = write_;
-  for (;; *write++ = *read++) {
-    while (read != end && !is(*read, stops_)) {
-      *write++ = *read++;
-    }
-    if (read == end || isOdd(*read)) {
-      break;
-    }
+  for (; read != end && !is(*read, stops); ++read) {
+    *write++ = *read;
   }
   read_ = read;
   write_ = write;
   return read != end;
 }
 
-// Of what the table stops at.
-bool Decoder::isOdd(char c) const {
-  switch (mode_) {
-    case Mode::kContent:
-      return c == '&' || c == '\r';
-    case Mode::kEntity:
-      return c == '%' || c == '\r';
-    default:
-      return c == '&' || (c != ' ' && isSpace(c));
-  }
-}
-
 void Decoder::lineEnd() {
   const bool isAttribute = mode_ == Mode::kAttribute || mode_ == Mode::kTokens;
   const char c = *read_++;
+  movesLines_ = true;
   *write_++ = isAttribute ? ' ' : '\n';
   if (c == '\r' && read_ != end_ && *read_ == '\n') {
     ++read_;
@@ -103,17 +94,15 @@ void Decoder::lineEnd() {
 // What is unknown or does not fit stays as it is.
 void Decoder::reference() {
   const bool isGeneral = mode_ != Mode::kEntity;
-  const std::size_t length = referenceLength(read_, end_);
-  const std::string_view name(read_ + 1, length == 0 ? 0 : length - 1);
-  if (isGeneral && end_ - read_ > 1 && read_[1] == '#') {
-    if (characterReference()) {
-      return;
-    }
-  } else if (isGeneral && predefined(name)) {
+  const bool isCharacter = isGeneral && startsWith(read_, end_, "&#");
+  if (isCharacter ? characterReference() : isGeneral && predefined()) {
     return;
-  } else if (entities_ != nullptr && length != 0) {
+  }
+  const bool isDeclared = entities_ != nullptr && !isCharacter;
+  const std::size_t length = isDeclared ? referenceLength(read_, end_) : 0;
+  if (length != 0) {
     const EntityTable& table = isGeneral ? entities_->general : entities_->parameter;
-    const Entity* const entity = table.find(name);
+    const Entity* const entity = table.find({read_ + 1, length - 1});
     if (entity != nullptr && entities_->spend(entity->value.size())) {
       replace(length, entity->value);
       return;
@@ -141,20 +130,21 @@ bool Decoder::characterReference() {
   if (p == end_ || *p != ';' || value == 0) {
     return false;
   }
+  movesLines_ = movesLines_ || value == '\n';
   write_ = putUtf8(static_cast<std::uint32_t>(value), write_);
   read_ = p + 1;
   return true;
 }
 
-bool Decoder::predefined(std::string_view name) {
+bool Decoder::predefined() {
   static constexpr struct {
     std::string_view name;
     char character;
   } kCharacters[] = {{"lt;", '<'}, {"gt;", '>'}, {"quot;", '"'}, {"apos;", '\''}, {"amp;", '&'}};
   for (const auto& entry : kCharacters) {
-    if (name == entry.name) {
+    if (startsWith(read_ + 1, end_, entry.name)) {
       *write_++ = entry.character;
-      read_ += name.size() + 1;
+      read_ += 1 + entry.name.size();
       return true;
     }
   }
@@ -162,6 +152,7 @@ bool Decoder::predefined(std::string_view name) {
 }
 
 void Decoder::replace(std::size_t referenceLength, std::string_view value) {
+  movesLines_ = true;
   read_ += referenceLength;
   if (static_cast<std::size_t>(read_ - write_) < value.size()) {
     enlarge(value.size());

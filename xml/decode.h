@@ -37,20 +37,23 @@ class Decoder {
   // needs it.
   Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
 
+  // Whether that made or took line feeds; it may also have moved them.
+  bool movesLines() const { return movesLines_; }
+
  private:
   bool copyPlain();
-  bool isOdd(char c) const;
   void lineEnd();
   void reference();
   bool characterReference();
-  bool predefined(std::string_view name);
+  bool predefined();
   void replace(std::size_t referenceLength, std::string_view value);
   void enlarge(std::size_t bytes);
 
   Entities* entities_ = nullptr;
+  bool movesLines_ = false;
   char* heap_ = nullptr;  // where text went that outgrew its place
   Mode mode_ = Mode::kContent;
-  unsigned stops_ = 0;  // classes of bytes that are looked at twice
+  unsigned stops_ = 0;  // classes of bytes that may need decoding
   // Text written, a gap, and text still to read; replacements are put in front of the latter and
   // read in their turn.
   char* start_ = nullptr;

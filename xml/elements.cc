@@ -262,37 +262,40 @@ inline XmlNode* Parser::add(char* name, std::size_t length, const char** attribu
 // Links a new child of the innermost open element.
 inline void Parser::link(XmlNode* node, std::size_t length) {
   Open& parent = *top_;
-  XmlNode* const before = parent.lastChild;
-  (before == nullptr ? parent.node->child : before->ordered) = node;
-  parent.lastChild = node;
-
-  const char* const name = node->name;
-  const auto hash = static_cast<unsigned char>(name[0]) +
-                    5u * static_cast<unsigned char>(name[length - 1]) +
-                    11u * static_cast<unsigned>(length);
+  XmlNode* const before = std::exchange(parent.lastChild, node);
+  const auto byteAt = [node](std::size_t i) { return static_cast<unsigned char>(node->name[i]); };
+  const auto hash = byteAt(0) + 5u * byteAt(length - 1) + 11u * static_cast<unsigned>(length);
   const std::uint32_t bit = std::uint32_t{1} << (hash % 32);
-  if ((parent.seen & bit) != 0) {
-    // What is compared stands before the new name, so that its length can be read there.
-    for (XmlNode* first = parent.node->child; first != nullptr; first = first->sibling) {
-      if (first->name[length] == '\0' && sameBytes(first->name, name, length)) {
-        first->parent->next = node;
-        first->parent = node;
-        return;
-      }
+  if (before == nullptr) {
+    parent.node->child = node;
+  } else {
+    before->ordered = node;
+    if (parent.groups > kFewGroups) {
+      return;
     }
-  }
-  if (parent.groups > kFewGroups) {
-    return;
-  }
-  if (before != nullptr) {
+    XmlNode* const first =
+        (parent.seen & bit) == 0 ? nullptr : findGroup(parent.node->child, node->name, length);
+    if (first != nullptr) {
+      first->parent->next = node;
+      first->parent = node;
+      return;
+    }
     parent.lastGroup->sibling = node;
   }
   parent.lastGroup = node;
-  node->parent = node;
   parent.seen |= bit;
-  if (++parent.groups > kFewGroups) {
-    parent.seen = 0;
+  ++parent.groups;
+  node->parent = node;
+}
+
+// The first of a list of groups whose name is the `length` bytes at `name`, which stand behind all
+// of theirs in the input, so that as many can be read there.
+inline XmlNode* Parser::findGroup(XmlNode* first, const char* name, std::size_t length) {
+  while (first != nullptr &&
+         (first->name[length] != '\0' || !sameBytes(first->name, name, length))) {
+    first = first->sibling;
   }
+  return first;
 }
 
 // Groups the children of many names again, with a table.

@@ -269,9 +269,11 @@ void Parser::publishInstructions() {
 
 // Keeps the count of lines right, which decoding in place changes.
 Decoded Parser::decode(char* text, char* odd, std::size_t length, Mode mode) {
-  lostLines_ += countLines(odd, text + length);
+  const std::ptrdiff_t lines = countLines(odd, text + length);
   const Decoded decoded = decoder_.decode(text, odd, length, mode);
-  lostLines_ -= countLines(odd, text + length);
+  if (lines != 0 || decoder_.movesLines()) {
+    lostLines_ += lines - countLines(odd, text + length);
+  }
   return decoded;
 }
 

@@ -80,6 +80,7 @@ class Parser {
   void terminate(char* end);
   XmlNode* add(char* name, std::size_t length, const char** attributes);
   void link(XmlNode* node, std::size_t length);
+  static XmlNode* findGroup(XmlNode* first, const char* name, std::size_t length);
   void regroup(XmlNode* parent) const;
   void open(XmlNode* node, std::size_t nameLength);
   void close();
