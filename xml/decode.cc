@@ -141,8 +141,12 @@ bool Decoder::predefined() {
     std::string_view name;
     char character;
   } kCharacters[] = {{"lt;", '<'}, {"gt;", '>'}, {"quot;", '"'}, {"apos;", '\''}, {"amp;", '&'}};
+  constexpr std::ptrdiff_t kShortest = 4;
+  if (end_ - read_ < kShortest) {
+    return false;
+  }
   for (const auto& entry : kCharacters) {
-    if (startsWith(read_ + 1, end_, entry.name)) {
+    if (read_[1] == entry.name[0] && startsWith(read_ + 1, end_, entry.name)) {
       *write_++ = entry.character;
       read_ += 1 + entry.name.size();
       return true;
