@@ -21,7 +21,7 @@ namespace {
 
 struct Size {
   const char* name;
-  size_t bytes;
+  std::size_t bytes;
 };
 constexpr Size kSizes[] = {{"2KiB", 2048}, {"20KiB", 20480}, {"1MiB", 1048576}};
 
@@ -32,66 +32,74 @@ class Input {
     std::memcpy(copy_.data(), text_.data(), text_.size() + 1);
     return copy_.data();
   }
-  size_t size() const { return text_.size(); }
+  std::size_t size() const { return text_.size(); }
 
  private:
   std::string text_;
   std::vector<char> copy_;
 };
 
-void runPeer(benchmark::State& state, ParseFunction run, size_t bytes) {
+void runPeer(benchmark::State& state, ParseFunction run, std::size_t bytes) {
   Input input(settingsFile(bytes));
   for (auto _ : state) {
-    if (!run(input.fresh(), input.size())) state.SkipWithError("not accepted");
+    if (!run(input.fresh(), input.size())) {
+      state.SkipWithError("not accepted");
+    }
   }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * input.size()));
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * input.size()));
 }
 
-size_t heapInUse() {
+std::size_t heapInUse() {
   struct mallinfo2 info = mallinfo2();
   return info.uordblks + info.hblkhd;
 }
 
 // Heap a parsed document holds, its input included, for each byte of input.
 void heapPerByte(benchmark::State& state) {
-  std::string text = settingsFile(static_cast<size_t>(state.range(0)));
-  size_t held = 0;
+  std::string text = settingsFile(static_cast<std::size_t>(state.range(0)));
+  std::size_t held = 0;
   for (auto _ : state) {
-    size_t before = heapInUse();
+    std::size_t before = heapInUse();
     auto* buffer = static_cast<char*>(std::malloc(text.size()));
     std::memcpy(buffer, text.data(), text.size());
-    xml::Document document(xml::parseStr(buffer, text.size()));
+    onu::xml::Document document(onu::xml::parseStr(buffer, text.size()));
     document->len = -1;
     held = heapInUse() - before;
   }
   state.counters["heap_per_byte"] = static_cast<double>(held) / static_cast<double>(text.size());
 }
 
-using Shape = std::string (*)(size_t n);
+using Shape = std::string (*)(std::size_t n);
 
-void parseShape(benchmark::State& state, Shape shape, size_t base) {
-  Input input(shape(base * static_cast<size_t>(state.range(0))));
-  for (auto _ : state) xml::freeDoc(xml::parseStr(input.fresh(), input.size()));
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * input.size()));
+void parseShape(benchmark::State& state, Shape shape, std::size_t base) {
+  Input input(shape(base * static_cast<std::size_t>(state.range(0))));
+  for (auto _ : state) {
+    onu::xml::freeDoc(onu::xml::parseStr(input.fresh(), input.size()));
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * input.size()));
 }
 
-void writeShape(benchmark::State& state, Shape shape, size_t base) {
-  Input input(shape(base * static_cast<size_t>(state.range(0))));
-  xml::Document document(xml::parseStr(input.fresh(), input.size()));
-  for (auto _ : state) std::free(xml::toXml(document.node()));
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * input.size()));
+void writeShape(benchmark::State& state, Shape shape, std::size_t base) {
+  Input input(shape(base * static_cast<std::size_t>(state.range(0))));
+  onu::xml::Document document(onu::xml::parseStr(input.fresh(), input.size()));
+  for (auto _ : state) {
+    std::free(onu::xml::toXml(document.node()));
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * input.size()));
 }
 
-double secondsPerRun(ParseFunction run, Input& input, size_t times) {
+double secondsPerRun(ParseFunction run, Input& input, std::size_t times) {
   auto start = std::chrono::steady_clock::now();
-  for (size_t i = 0; i < times; ++i) benchmark::DoNotOptimize(run(input.fresh(), input.size()));
+  for (std::size_t i = 0; i < times; ++i) {
+    benchmark::DoNotOptimize(run(input.fresh(), input.size()));
+  }
   std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
   return taken.count() / static_cast<double>(times);
 }
 
 void printRatio(const char* what, const Size& size, ParseFunction ours, ParseFunction theirs) {
   Input input(settingsFile(size.bytes));
-  size_t times = 2000000 / size.bytes + 1;
+  std::size_t times = 2000000 / size.bytes + 1;
   double best[2] = {1e9, 1e9};
   for (int turn = 0; turn < 200; ++turn) {
     best[0] = std::min(best[0], secondsPerRun(ours, input, times));
@@ -104,11 +112,13 @@ void printRatio(const char* what, const Size& size, ParseFunction ours, ParseFun
 
 void registerAll() {
   for (const Size& size : kSizes) {
-    for (size_t i = 0; i < kPeerCount; ++i) {
+    for (std::size_t i = 0; i < kPeerCount; ++i) {
       const Peer& peer = kPeers[i];
       std::string name = std::string(size.name) + "/" + peer.name;
       benchmark::RegisterBenchmark(("parse/" + name).c_str(), runPeer, peer.parse, size.bytes);
-      if (peer.roundTrip == nullptr) continue;
+      if (peer.roundTrip == nullptr) {
+        continue;
+      }
       benchmark::RegisterBenchmark(("round_trip/" + name).c_str(), runPeer, peer.roundTrip,
                                    size.bytes);
     }
@@ -117,7 +127,7 @@ void registerAll() {
   constexpr struct {
     const char* name;
     Shape shape;
-    size_t base;
+    std::size_t base;
   } kShapes[] = {{"same_names", sameNames, 500},   {"other_names", otherNames, 500},
                  {"near_names", nearNames, 500},   {"nested", nested, 500},
                  {"text_pieces", textPieces, 500}, {"attributes", manyAttributes, 500}};

@@ -42,39 +42,43 @@ namespace {
 
 constexpr char kNewText[] = "10.20.30.40";
 
-bool parseOurs(char* data, size_t length) {
-  xml::Document document(xml::parseStr(data, length));
+bool parseOurs(char* data, std::size_t length) {
+  onu::xml::Document document(onu::xml::parseStr(data, length));
   return document->err[0] == '\0';
 }
 
-bool tripOurs(char* data, size_t length) {
-  xml::Document document(xml::parseStr(data, length));
-  xml::setText(xml::child(document->xml.child, "ip"), kNewText);
-  size_t written = 0;
-  char* text = xml::toXml(document.node(), &written);
+bool tripOurs(char* data, std::size_t length) {
+  onu::xml::Document document(onu::xml::parseStr(data, length));
+  onu::xml::setText(onu::xml::child(document->xml.child, "ip"), kNewText);
+  std::size_t written = 0;
+  char* text = onu::xml::toXml(document.node(), &written);
   std::free(text);
   return written > length / 2;
 }
 
 constexpr unsigned kPugiFlags = pugi::parse_default | pugi::parse_ws_pcdata;
 
-bool parsePugi(char* data, size_t length) {
+bool parsePugi(char* data, std::size_t length) {
   pugi::xml_document document;
   return document.load_buffer_inplace(data, length, kPugiFlags, pugi::encoding_utf8);
 }
 
 struct PugiWriter : pugi::xml_writer {
   std::string text;
-  void write(const void* data, size_t size) override {
+  void write(const void* data, std::size_t size) override {
     text.append(static_cast<const char*>(data), size);
   }
 };
 
-bool tripPugi(char* data, size_t length) {
+bool tripPugi(char* data, std::size_t length) {
   pugi::xml_document document;
-  if (!document.load_buffer_inplace(data, length, kPugiFlags, pugi::encoding_utf8)) return false;
+  if (!document.load_buffer_inplace(data, length, kPugiFlags, pugi::encoding_utf8)) {
+    return false;
+  }
   for (pugi::xml_node group : document.document_element().children()) {
-    if (group.type() != pugi::node_element) continue;
+    if (group.type() != pugi::node_element) {
+      continue;
+    }
     group.child("ip").text().set(kNewText);
     break;
   }
@@ -84,13 +88,13 @@ bool tripPugi(char* data, size_t length) {
   return writer.text.size() > length / 2;
 }
 
-bool parseRapid(char* data, size_t) {
+bool parseRapid(char* data, std::size_t) {
   rapidxml::xml_document<> document;
   document.parse<0>(data);
   return document.first_node() != nullptr;
 }
 
-bool tripRapid(char* data, size_t length) {
+bool tripRapid(char* data, std::size_t length) {
   rapidxml::xml_document<> document;
   document.parse<0>(data);
   rapidxml::xml_node<>* ip = document.first_node("config")->first_node()->first_node("ip");
@@ -102,29 +106,33 @@ bool tripRapid(char* data, size_t length) {
   return text.size() > length / 2;
 }
 
-bool parseTiny(char* data, size_t length) {
+bool parseTiny(char* data, std::size_t length) {
   tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
   return document.Parse(data, length) == tinyxml2::XML_SUCCESS;
 }
 
-bool tripTiny(char* data, size_t length) {
+bool tripTiny(char* data, std::size_t length) {
   tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
-  if (document.Parse(data, length) != tinyxml2::XML_SUCCESS) return false;
+  if (document.Parse(data, length) != tinyxml2::XML_SUCCESS) {
+    return false;
+  }
   document.RootElement()->FirstChildElement()->FirstChildElement("ip")->SetText(kNewText);
   tinyxml2::XMLPrinter printer(nullptr, true);
   document.Print(&printer);
-  return static_cast<size_t>(printer.CStrSize()) > length / 2;
+  return static_cast<std::size_t>(printer.CStrSize()) > length / 2;
 }
 
-bool parseMini(char* data, size_t) {
+bool parseMini(char* data, std::size_t) {
   mxml_node_t* document = mxmlLoadString(nullptr, data, MXML_OPAQUE_CALLBACK);
   mxmlDelete(document);
   return document != nullptr;
 }
 
-bool tripMini(char* data, size_t length) {
+bool tripMini(char* data, std::size_t length) {
   mxml_node_t* document = mxmlLoadString(nullptr, data, MXML_OPAQUE_CALLBACK);
-  if (document == nullptr) return false;
+  if (document == nullptr) {
+    return false;
+  }
   mxml_node_t* ip = mxmlFindElement(document, document, "ip", nullptr, nullptr, MXML_DESCEND);
   mxmlSetOpaque(ip, kNewText);
   char* text = mxmlSaveAllocString(document, MXML_NO_CALLBACK);
@@ -134,21 +142,21 @@ bool tripMini(char* data, size_t length) {
   return done;
 }
 
-bool parseExpat(char* data, size_t length) {
+bool parseExpat(char* data, std::size_t length) {
   XML_Parser parser = XML_ParserCreate(nullptr);
-  size_t events = 0;
+  std::size_t events = 0;
   XML_SetUserData(parser, &events);
   XML_SetElementHandler(
-      parser, [](void* n, const char*, const char**) { ++*static_cast<size_t*>(n); },
-      [](void* n, const char*) { ++*static_cast<size_t*>(n); });
+      parser, [](void* n, const char*, const char**) { ++*static_cast<std::size_t*>(n); },
+      [](void* n, const char*) { ++*static_cast<std::size_t*>(n); });
   XML_SetCharacterDataHandler(parser,
-                              [](void* n, const char*, int) { ++*static_cast<size_t*>(n); });
+                              [](void* n, const char*, int) { ++*static_cast<std::size_t*>(n); });
   bool done = XML_Parse(parser, data, static_cast<int>(length), XML_TRUE) == XML_STATUS_OK;
   XML_ParserFree(parser);
   return done && events != 0;
 }
 
-bool parseLibxml(char* data, size_t length) {
+bool parseLibxml(char* data, std::size_t length) {
   xmlDoc* document =
       xmlReadMemory(data, static_cast<int>(length), nullptr, nullptr, XML_PARSE_NONET);
   xmlFreeDoc(document);
@@ -158,22 +166,26 @@ bool parseLibxml(char* data, size_t length) {
 xmlNode* find(xmlNode* parent, const char* name) {
   for (xmlNode* node = parent->children; node != nullptr; node = node->next) {
     bool isElement = node->type == XML_ELEMENT_NODE;
-    if (isElement && (name == nullptr || xmlStrEqual(node->name, BAD_CAST name) != 0)) return node;
+    if (isElement && (name == nullptr || xmlStrEqual(node->name, BAD_CAST name) != 0)) {
+      return node;
+    }
   }
   return nullptr;
 }
 
-bool tripLibxml(char* data, size_t length) {
+bool tripLibxml(char* data, std::size_t length) {
   xmlDoc* document =
       xmlReadMemory(data, static_cast<int>(length), nullptr, nullptr, XML_PARSE_NONET);
-  if (document == nullptr) return false;
+  if (document == nullptr) {
+    return false;
+  }
   xmlNodeSetContent(find(find(xmlDocGetRootElement(document), nullptr), "ip"), BAD_CAST kNewText);
   xmlChar* text = nullptr;
   int written = 0;
   xmlDocDumpMemory(document, &text, &written);
   xmlFree(text);
   xmlFreeDoc(document);
-  return static_cast<size_t>(written) > length / 2;
+  return static_cast<std::size_t>(written) > length / 2;
 }
 
 }  // namespace
@@ -182,4 +194,4 @@ const Peer kPeers[] = {{"ours", parseOurs, tripOurs},       {"pugixml", parsePug
                        {"rapidxml", parseRapid, tripRapid}, {"tinyxml2", parseTiny, tripTiny},
                        {"mini_xml", parseMini, tripMini},   {"expat", parseExpat, nullptr},
                        {"libxml2", parseLibxml, tripLibxml}};
-const size_t kPeerCount = std::size(kPeers);
+const std::size_t kPeerCount = std::size(kPeers);

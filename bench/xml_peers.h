@@ -5,7 +5,7 @@
 
 // Parses a settings file and releases the tree. `data` may be written to and has a NUL at `length`.
 // False when the file was not accepted.
-using ParseFunction = bool (*)(char* data, size_t length);
+using ParseFunction = bool (*)(char* data, std::size_t length);
 
 struct Peer {
   const char* name;
@@ -17,4 +17,4 @@ struct Peer {
 
 // Ours is the first, the one to beat the second.
 extern const Peer kPeers[];
-extern const size_t kPeerCount;
+extern const std::size_t kPeerCount;

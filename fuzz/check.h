@@ -7,6 +7,9 @@
 
 namespace onu::fuzz {
 
+// Ends the run with a finding unless the condition holds.
+#define REQUIRE(condition) ::onu::fuzz::check((condition), #condition)
+
 inline std::string_view asText(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }

@@ -10,26 +10,30 @@
 #include "fuzz/xml_buffer.h"
 #include "fuzz/xml_compare.h"
 
+namespace onu::fuzz {
+
 namespace {
 
 struct Element {
   std::string name;
   Pairs attributes;
   std::string text;
-  size_t off = 0;
+  std::size_t off = 0;
   std::vector<Element> children;
 };
 
 struct Collector {
   XML_Parser parser;
   Element top;
-  std::vector<size_t> path;  // which child of which
+  std::vector<std::size_t> path;  // which child of which
   bool hasDoctype = false;
   bool hasCdata = false;
 
   Element& open() {
     Element* element = &top;
-    for (size_t i : path) element = &element->children[i];
+    for (std::size_t i : path) {
+      element = &element->children[i];
+    }
     return *element;
   }
 };
@@ -54,7 +58,7 @@ void onStart(void* data, const char* name, const char** attributes) {
 void onEnd(void* data, const char*) { static_cast<Collector*>(data)->path.pop_back(); }
 
 void onText(void* data, const char* text, int length) {
-  static_cast<Collector*>(data)->open().text.append(text, static_cast<size_t>(length));
+  static_cast<Collector*>(data)->open().text.append(text, static_cast<std::size_t>(length));
 }
 
 void onDoctype(void* data, const char*, const char*, const char*, int) {
@@ -69,8 +73,9 @@ void compare(const xml::XmlNode& ours, const Element& theirs) {
   REQUIRE(theirs.name == ours.name);
   REQUIRE(theirs.text == ours.txt);
   Pairs pairs;
-  for (const char** pair = ours.attr; *pair != nullptr; pair += 2)
+  for (const char** pair = ours.attr; *pair != nullptr; pair += 2) {
     pairs.emplace_back(pair[0], pair[1]);
+  }
   REQUIRE(theirs.attributes == pairs);
   const xml::XmlNode* child = ours.child;
   for (const Element& element : theirs.children) {
@@ -82,13 +87,15 @@ void compare(const xml::XmlNode& ours, const Element& theirs) {
   REQUIRE(child == nullptr);
 }
 
-bool hasHalfPair(const uint8_t* data, size_t size) {
-  size_t high = data[0] == 0xFE ? 0 : 1;
+bool hasHalfPair(const std::uint8_t* data, std::size_t size) {
+  std::size_t high = data[0] == 0xFE ? 0 : 1;
   bool isOpen = false;  // the first half stands before
-  for (size_t i = 2; i + 1 < size; i += 2) {
+  for (std::size_t i = 2; i + 1 < size; i += 2) {
     bool isFirst = (data[i + high] & 0xFC) == 0xD8;
     bool isSecond = (data[i + high] & 0xFC) == 0xDC;
-    if (isOpen != isSecond) return true;
+    if (isOpen != isSecond) {
+      return true;
+    }
     isOpen = isFirst;
   }
   return isOpen;
@@ -96,7 +103,7 @@ bool hasHalfPair(const uint8_t* data, size_t size) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   bool isUtf16 =
       size >= 2 && data[0] + data[1] == 0xFE + 0xFF && (data[0] == 0xFE || data[1] == 0xFE);
   Collector collector;
@@ -112,8 +119,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   bool hasReturn = std::find(data, data + size, '\r') != data + size;
   // expat takes a zero byte for a sign of UTF-16 even without its mark.
   bool isGuessed = !isUtf16 && std::find(data, data + size, '\0') != data + size;
-  if (!accepted || isGuessed || collector.hasDoctype || (collector.hasCdata && hasReturn)) return 0;
-  if (isUtf16 && hasHalfPair(data, size)) return 0;
+  if (!accepted || isGuessed || collector.hasDoctype || (collector.hasCdata && hasReturn)) {
+    return 0;
+  }
+  if (isUtf16 && hasHalfPair(data, size)) {
+    return 0;
+  }
 
   Buffer input = copyOf(data, size);
   xml::Document document(xml::parseStr(input.get(), size));
@@ -121,3 +132,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   compare(document->xml, collector.top.children.at(0));
   return 0;
 }
+
+}  // namespace onu::fuzz

@@ -2,6 +2,8 @@
 #include "fuzz/xml_buffer.h"
 #include "fuzz/xml_compare.h"
 
+namespace onu::fuzz {
+
 namespace {
 
 constexpr const char* kNames[] = {"a", "b", "port", "mode", "x:y", "none", ""};
@@ -10,27 +12,31 @@ constexpr const char* kTexts[] = {"", "v", "a<b>&\"'\r\n\t", "\xC3\xA9",
 
 class Choices {
  public:
-  Choices(const uint8_t* data, size_t size) : data_(data), size_(size) {}
-  size_t next(size_t below) {
-    if (size_ == 0) return 0;
+  Choices(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
+  std::size_t next(std::size_t below) {
+    if (size_ == 0) {
+      return 0;
+    }
     --size_;
     return *data_++ % below;
   }
-  template <typename T, size_t kCount>
+  template <typename T, std::size_t kCount>
   T of(T (&list)[kCount]) {
     return list[next(kCount)];
   }
   bool empty() const { return size_ == 0; }
 
  private:
-  const uint8_t* data_;
-  size_t size_;
+  const std::uint8_t* data_;
+  std::size_t size_;
 };
 
 xml::XmlNode* pick(Choices& choices, xml::XmlNode* node) {
-  for (size_t steps = choices.next(4); steps != 0 && node->child != nullptr; --steps) {
+  for (std::size_t steps = choices.next(4); steps != 0 && node->child != nullptr; --steps) {
     node = node->child;
-    for (size_t n = choices.next(4); n != 0 && node->ordered != nullptr; --n) node = node->ordered;
+    for (std::size_t n = choices.next(4); n != 0 && node->ordered != nullptr; --n) {
+      node = node->ordered;
+    }
   }
   return node;
 }
@@ -38,7 +44,7 @@ xml::XmlNode* pick(Choices& choices, xml::XmlNode* node) {
 void setCopies(Choices& choices, xml::XmlNode* node) {
   node->flags |= xml::kAttributesAllocated;
   xml::setAttr(node, strdup(choices.of(kNames)), strdup(choices.of(kTexts)));
-  node->flags = static_cast<uint8_t>(node->flags & ~xml::kAttributesAllocated);
+  node->flags = static_cast<std::uint8_t>(node->flags & ~xml::kAttributesAllocated);
 }
 
 void operate(Choices& choices, xml::XmlNode* root) {
@@ -78,18 +84,21 @@ void operate(Choices& choices, xml::XmlNode* root) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  size_t choiceCount = size < 32 ? size / 2 : 32;
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::size_t choiceCount = size < 32 ? size / 2 : 32;
   Choices choices(data, choiceCount);
   Buffer input = copyOf(data + choiceCount, size - choiceCount);
   xml::Document document(xml::parseStr(input.get(), size - choiceCount));
-  while (!choices.empty()) operate(choices, document.node());
+  while (!choices.empty()) {
+    operate(choices, document.node());
+  }
 
   for (const auto* node = document.node(); node != nullptr;
        node = following(node, document.node())) {
     std::multiset<const xml::XmlNode*> ordered;
-    for (const auto* child = node->child; child != nullptr; child = child->ordered)
+    for (const auto* child = node->child; child != nullptr; child = child->ordered) {
       ordered.insert(child);
+    }
     for (const auto* first = node->child; first != nullptr; first = first->sibling) {
       for (const auto* same = first; same != nullptr; same = same->next) {
         REQUIRE(ordered.erase(same) == 1);
@@ -103,3 +112,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   REQUIRE(std::strcmp(text.get(), again.get()) == 0);
   return 0;
 }
+
+}  // namespace onu::fuzz

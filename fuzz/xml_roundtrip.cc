@@ -3,11 +3,13 @@
 #include "fuzz/xml_buffer.h"
 #include "fuzz/xml_compare.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+namespace onu::fuzz {
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Buffer input = copyOf(data, size);
   xml::Document document(xml::parseStr(input.get(), size));
   checkTree(*document.get());
-  size_t length = 0;
+  std::size_t length = 0;
   Buffer text(xml::toXml(document.node(), &length));
   REQUIRE(std::strlen(text.get()) == length);
   if (document->xml.name == nullptr) {
@@ -25,3 +27,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   REQUIRE(std::strcmp(text.get(), secondText.get()) == 0);
   return 0;
 }
+
+}  // namespace onu::fuzz

@@ -80,14 +80,12 @@ DoctypeError Doctype::read(std::string_view subset) {
 }
 
 Mode Doctype::attributeMode(std::string_view element, std::string_view name) const {
-  const auto list = places_.find(element);
-  if (list == places_.end()) {
+  const std::size_t list = places_.find(element);
+  if (list == NameTable::kNone) {
     return Mode::kAttribute;
   }
-  const ElementDefaults& defaults = defaults_[list->second];
-  const auto place = defaults.places.find(name);
-  return place == defaults.places.end() ? Mode::kAttribute
-                                        : defaults.attributes[place->second].mode;
+  const std::size_t i = defaults_[list].places.find(name);
+  return i == NameTable::kNone ? Mode::kAttribute : defaults_[list].attributes[i].mode;
 }
 
 bool Doctype::declarations(SubsetSource& source) {
@@ -233,12 +231,12 @@ bool Doctype::defaultValue(SubsetSource& source, Token element, Token name, Mode
 }
 
 void Doctype::addDefault(Token element, Token name, Token value, Mode mode) {
-  const auto [list, isNew] = places_.emplace(element, defaults_.size());
-  if (isNew) {
+  const std::size_t list = places_.add(element);
+  if (list == defaults_.size()) {
     defaults_.push_back({root_.texts.copy(element.data(), element.size()), {}, {}});
   }
-  ElementDefaults& defaults = defaults_[list->second];
-  if (defaults.places.emplace(name, defaults.attributes.size()).second) {
+  ElementDefaults& defaults = defaults_[list];
+  if (defaults.places.add(name) == defaults.attributes.size()) {
     const char* const key = root_.texts.copy(name.data(), name.size());
     defaults.attributes.push_back({key, decodedCopy(value, mode).data(), mode, declared_});
   }

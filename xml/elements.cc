@@ -8,10 +8,9 @@ namespace onu::xml::internal {
 void Parser::run() {
   char* p = root_.s == e_ ? nullptr : outsideContent(root_.s);
   while (p != nullptr) {
-    const char c = peek(p + 1);
-    if (is(c, kNameStart)) {
+    if (is(p[1], kNameStart)) {
       p = startTag(p);
-    } else if (c == '/') {
+    } else if (p[1] == '/') {
       p = endTag(p);
     } else {
       p = otherMarkup(p);
@@ -299,31 +298,26 @@ inline XmlNode* Parser::findGroup(XmlNode* first, const char* name, std::size_t 
 }
 
 // Groups the children of many names again, with a table.
-void Parser::regroup(XmlNode* parent) const {
-  std::size_t places = 4 * kFewGroups;
+void Parser::regroup(XmlNode* parent) {
   std::size_t children = 0;
   for (const XmlNode* node = parent->child; node != nullptr; node = node->ordered) {
-    places *= 2 * ++children > places ? 2 : 1;
+    ++children;
   }
-  std::vector<XmlNode*> firsts(places);
-  const KeyedHash hash;
-  XmlNode* lastGroup = nullptr;
+  NameTable names(children);
+  std::vector<XmlNode*> firsts;
+  firsts.reserve(children);
   for (XmlNode* node = parent->child; node != nullptr; node = node->ordered) {
     node->next = node->sibling = nullptr;
-    std::size_t i = hash(node->name) & (places - 1);
-    while (firsts[i] != nullptr && std::strcmp(firsts[i]->name, node->name) != 0) {
-      i = (i + 1) & (places - 1);
-    }
-    XmlNode*& first = firsts[i];
-    if (first != nullptr) {
-      first->parent->next = node;
+    const std::size_t i = names.add(node->name);
+    if (i != firsts.size()) {
+      firsts[i]->parent->next = node;
     } else {
-      if (lastGroup != nullptr) {
-        lastGroup->sibling = node;
+      if (i != 0) {
+        firsts.back()->sibling = node;
       }
-      lastGroup = first = node;
+      firsts.push_back(node);
     }
-    first->parent = node;
+    firsts[i]->parent = node;
   }
 }
 

@@ -5,12 +5,12 @@
 namespace onu::xml::internal {
 
 const Entity* EntityTable::find(std::string_view name) const {
-  const auto found = places_.find(name);
-  return found == places_.end() ? nullptr : &entities_[found->second];
+  const std::size_t i = places_.find(name);
+  return i == NameTable::kNone ? nullptr : &entities_[i];
 }
 
 bool EntityTable::add(const Entity& entity) {
-  if (!places_.emplace(entity.name, entities_.size()).second) {
+  if (places_.add(entity.name) != entities_.size()) {
     return false;
   }
   entities_.push_back(entity);
@@ -46,7 +46,7 @@ bool EntityTable::refersToItself(std::size_t entity) const {
   std::size_t next = 0;
   do {
     next = nextReference(entities_[entity], &position);
-  } while (next != kNone && next != entity);
+  } while (next != NameTable::kNone && next != entity);
   return next == entity;
 }
 
@@ -67,7 +67,7 @@ bool EntityTable::hasCircle(std::size_t count) const {
       Visit& visit = path.back();
       states[visit.entity] = State::kOpen;
       const std::size_t next = nextReference(entities_[visit.entity], &visit.position);
-      if (next == kNone) {
+      if (next == NameTable::kNone) {
         states[visit.entity] = State::kDone;
         path.pop_back();
       } else if (next < count && states[next] == State::kOpen) {
@@ -80,19 +80,19 @@ bool EntityTable::hasCircle(std::size_t count) const {
   return false;
 }
 
-// The next known entity that a value refers to from `position` on, or kNone.
+// The next known entity that a value refers to from `position` on, or NameTable::kNone.
 std::size_t EntityTable::nextReference(const Entity& from, std::size_t* position) const {
   const char* const e = from.value.data() + from.value.size();
   for (const char* p = from.value.data() + *position; p != e; ++p) {
     const std::size_t length = *p == sign_ ? referenceLength(p, e) : 0;
-    const auto found = length == 0 ? places_.end() : places_.find({p + 1, length - 1});
-    if (found != places_.end()) {
+    const std::size_t found = length == 0 ? NameTable::kNone : places_.find({p + 1, length - 1});
+    if (found != NameTable::kNone) {
       *position = static_cast<std::size_t>(p - from.value.data()) + length;
-      return found->second;
+      return found;
     }
   }
   *position = from.value.size();
-  return kNone;
+  return NameTable::kNone;
 }
 
 std::size_t referenceLength(const char* p, const char* e) {

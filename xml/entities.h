@@ -40,8 +40,6 @@ class EntityTable {
   bool hasCircle(std::size_t count) const;
   std::size_t nextReference(const Entity& from, std::size_t* position) const;
 
-  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-
   char sign_;
   std::vector<Entity> entities_;
   NameTable places_;             // in entities_

@@ -28,17 +28,23 @@ void releaseAttributes(const XmlNode& node) {
   release(node.attr);
 }
 
+void releaseTexts(const XmlNode& node) {
+  if ((node.flags & kNameAllocated) != 0) {
+    release(node.name);
+  }
+  if ((node.flags & (kTextAllocated | kTextInBlock)) == kTextAllocated) {
+    release(node.txt);
+  }
+  if ((node.flags & kOwnAttributes) != 0) {
+    releaseAttributes(node);
+  }
+}
+
 // What the elements of a subtree own on the heap.
-void releaseTexts(const XmlNode* top) {
+void releaseAll(const XmlNode* top) {
   for (const XmlNode* node = top; node != nullptr; node = following(node, top)) {
-    if ((node->flags & kNameAllocated) != 0) {
-      release(node->name);
-    }
-    if ((node->flags & (kTextAllocated | kTextInBlock)) == kTextAllocated) {
-      release(node->txt);
-    }
-    if ((node->flags & kOwnAttributes) != 0) {
-      releaseAttributes(*node);
+    if ((node->flags & (kNameAllocated | kTextAllocated | kOwnAttributes)) != 0) {
+      releaseTexts(*node);
     }
   }
 }
@@ -136,9 +142,9 @@ void freeDoc(XmlRoot* root) {
     return;
   }
   auto* const impl = static_cast<internal::RootImpl*>(root);
-  internal::releaseTexts(&root->xml);
+  internal::releaseAll(&root->xml);
   for (const XmlNode* node : impl->loose) {
-    internal::releaseTexts(node);
+    internal::releaseAll(node);
   }
   if (root->len < 0) {
     std::free(root->m);

@@ -142,13 +142,18 @@ char* Parser::outsideContent(char* text) {
   return markupAt(stop);
 }
 
-// Any markup but tags.
+// Any markup but tags, or a tag of which no more than the last byte is there.
 char* Parser::otherMarkup(char* p) {
-  const char c = peek(p + 1);
-  if (c == '?') {
-    return instruction(p);
+  switch (const char c = peek(p + 1); c) {
+    case '?':
+      return instruction(p);
+    case '!':
+      return declaration(p);
+    case '/':
+      return top_ == nullptr ? fail(p, kOutside) : behindOddEndTag(p);
+    default:
+      return is(c, kNameStart) ? startTag(p) : fail(p, kUnexpected);
   }
-  return c == '!' ? declaration(p) : fail(p, kUnexpected);
 }
 
 char* Parser::declaration(char* p) {
@@ -243,12 +248,12 @@ char* Parser::instruction(char* p) {
     instructions_ = std::make_unique<Instructions>();
   }
   std::vector<Instructions::List>& lists = instructions_->lists;
-  const auto [place, isNew] = instructions_->places.emplace(name, lists.size());
-  if (isNew) {
+  const std::size_t i = instructions_->places.add(name);
+  if (i == lists.size()) {
     lists.push_back({target, {}, {}});
   }
-  lists[place->second].texts.push_back(text);
-  lists[place->second].sides += hasRoot() ? '>' : '<';
+  lists[i].texts.push_back(text);
+  lists[i].sides += hasRoot() ? '>' : '<';
   return close + 2;
 }
 

@@ -81,7 +81,7 @@ class Parser {
   XmlNode* add(char* name, std::size_t length, const char** attributes);
   void link(XmlNode* node, std::size_t length);
   static XmlNode* findGroup(XmlNode* first, const char* name, std::size_t length);
-  void regroup(XmlNode* parent) const;
+  static void regroup(XmlNode* parent);
   void open(XmlNode* node, std::size_t nameLength);
   void close();
 
@@ -126,7 +126,9 @@ class Parser {
 
 // Ends a name, whose place may hold a line feed that counts for the lines of later errors.
 inline void Parser::terminate(char* end) {
-  lostLines_ += *end == '\n' ? 1 : 0;
+  if (*end == '\n') {
+    ++lostLines_;
+  }
   *end = '\0';
 }
 

@@ -1,7 +1,6 @@
 // Writing a tree as text.
 #include <cstdlib>
 #include <cstring>
-#include <unordered_set>
 
 #include "xml/memory.h"
 #include "xml/names.h"
@@ -164,14 +163,14 @@ class Serialiser {
   const RootImpl& root_;
   Output& out_;
   std::vector<Open> open_;
-  std::unordered_set<std::string_view, KeyedHash> carried_;
+  NameTable carried_;
   NameTable declared_;                         // elements with declared defaults
   std::size_t budget_ = std::size_t{1} << 20;  // bytes of defaults that may be written yet
 };
 
 Serialiser::Serialiser(const XmlNode& top, Output& out) : root_(*rootOf(&top)), out_(out) {
   for (std::size_t i = 0; root_.attr[i] != nullptr; ++i) {
-    declared_.emplace(root_.attr[i][0], i);
+    declared_.add(root_.attr[i][0]);
   }
 }
 
@@ -234,10 +233,11 @@ char* Serialiser::attributes(char* at, const XmlNode& node) {
     if (i == kFewAttributes) {
       carried_.clear();
       for (std::size_t j = 0; j != i; ++j) {
-        carried_.insert(node.attr[2 * j]);
+        carried_.add(node.attr[2 * j]);
       }
     }
-    if (i < kFewAttributes ? !isCarried(node, i, name) : carried_.insert(name).second) {
+    const std::size_t carried = carried_.size();
+    if (i < kFewAttributes ? !isCarried(node, i, name) : carried_.add(name) == carried) {
       at = attribute(at, name, node.attr[2 * i + 1]);
     }
   }
@@ -257,7 +257,7 @@ inline char* Serialiser::attribute(char* at, const char* name, const char* value
 // Whether one of the first `count` attributes has the name.
 inline bool Serialiser::isCarried(const XmlNode& node, std::size_t count, const char* name) const {
   if (count > kFewAttributes) {
-    return carried_.count(name) != 0;
+    return carried_.find(name) != NameTable::kNone;
   }
   for (std::size_t i = 0; i != count; ++i) {
     const char* const other = node.attr[2 * i];
@@ -270,11 +270,11 @@ inline bool Serialiser::isCarried(const XmlNode& node, std::size_t count, const 
 
 // The declared defaults that an element of `count` attributes does not carry.
 char* Serialiser::defaults(char* at, const XmlNode& node, std::size_t count) {
-  const auto list = budget_ == 0 ? declared_.end() : declared_.find(node.name);
-  if (list == declared_.end()) {
+  const std::size_t list = budget_ == 0 ? NameTable::kNone : declared_.find(node.name);
+  if (list == NameTable::kNone) {
     return at;
   }
-  for (const char** text = root_.attr[list->second] + 1; *text != nullptr; text += 3) {
+  for (const char** text = root_.attr[list] + 1; *text != nullptr; text += 3) {
     if (!isCarried(node, count, text[0])) {
       const std::size_t bytes = std::strlen(text[0]) + std::strlen(text[1]);
       if (bytes >= budget_) {
