@@ -2,150 +2,160 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "xml/memory.h"
 
 namespace onu::xml {
 
+using internal::kBorrowed;
+using internal::kNameOwned;
 using internal::kOwnAttributes;
+using internal::kValueOwned;
+using internal::Node;
 using internal::release;
 
 namespace {
 
-std::size_t countPairs(const XmlNode& node) {
-  std::size_t texts = 0;
-  while (node.attr[texts] != nullptr) texts += 2;
-  return texts / 2;
-}
-
-// Gives the node, of `count` attributes, an array and owner text of its own with room for `room`.
+// Gives the node, of `count` attributes, an array and owner text of its own with room for one more.
 // Returns the owner text.
-char* ownAttributes(XmlNode& node, std::size_t count, std::size_t room) {
-  bool owned = (node.flags & kOwnAttributes) != 0;
-  const char** old = node.attr;
-  auto* array = static_cast<const char**>(
-      internal::reallocate(owned ? old : nullptr, (2 * room + 2) * sizeof(*old)));
-  if (!owned) std::memcpy(array, old, (2 * count + 2) * sizeof(*old));
-  const char* oldOwners = array[2 * count + 1];
-  auto* owners = static_cast<char*>(
-      internal::reallocate(owned ? const_cast<char*>(oldOwners) : nullptr, room + 1));
-  if (!owned) std::memcpy(owners, oldOwners, count + 1);
-  array[2 * count + 1] = owners;
+char* ownAttributes(XmlNode& node, std::size_t count) {
+  const bool owned = (node.flags & kOwnAttributes) != 0;
+  const char** const old = node.attr;
+  const char* const oldOwners = old[2 * count + 1];
+  auto** const array = static_cast<const char**>(
+      internal::reallocate(owned ? old : nullptr, (2 * count + 4) * sizeof(*old)));
+  auto* const owners = static_cast<char*>(
+      internal::reallocate(owned ? const_cast<char*>(oldOwners) : nullptr, count + 2));
+  if (!owned) {
+    std::copy_n(old, 2 * count, array);
+    std::memcpy(owners, oldOwners, count);
+  }
   node.attr = array;
   node.flags |= kOwnAttributes;
   return owners;
 }
 
-void appendPair(XmlNode& node, std::size_t count, const char* name, const char* value,
-                bool copies) {
-  char* owners = ownAttributes(node, count, count + 1);
-  owners[count] = copies ? internal::kBorrowed | internal::kNameOwned | internal::kValueOwned
-                         : internal::kBorrowed;
-  owners[count + 1] = '\0';
-  const char** pair = node.attr + 2 * count;
-  pair[0] = name;
-  pair[1] = value;
-  pair[2] = nullptr;
-  pair[3] = owners;
-}
-
-// The stored name stays, so that a copy of it is released at once.
-void replaceValue(XmlNode& node, std::size_t count, std::size_t i, const char* name,
-                  const char* value, bool copies) {
-  if (copies && name != node.attr[2 * i]) {
-    release(name);
+// Ends the node's own array, of `count` attributes by now.
+void endAttributes(XmlNode& node, std::size_t count, char* owners) {
+  owners[count] = '\0';
+  node.attr[2 * count] = nullptr;
+  node.attr[2 * count + 1] = owners;
+  if (count == 0) {
+    std::free(owners);
+    std::free(node.attr);
+    node.attr = internal::noAttributes();
+    node.flags &= static_cast<std::uint8_t>(~kOwnAttributes);
   }
-  if (value == node.attr[2 * i + 1]) {
-    return;
-  }
-  char owner = node.attr[2 * count + 1][i];
-  bool owned = (owner & internal::kValueOwned) != 0;
-  if (owned) {
-    release(node.attr[2 * i + 1]);
-  }
-  if (owned != copies) {
-    ownAttributes(node, count, count)[i] = static_cast<char>(owner ^ internal::kValueOwned);
-  }
-  node.attr[2 * i + 1] = value;
 }
 
 // An element may carry a name twice: all its pairs go. The name given may be a stored one, so it is
 // released last, and once.
 void removePairs(XmlNode& node, std::size_t count, const char* name, bool copies) {
-  char* owners = ownAttributes(node, count, count);
+  char* const owners = ownAttributes(node, count);
   std::size_t kept = 0;
   for (std::size_t i = 0; i != count; ++i) {
-    const char** pair = node.attr + 2 * i;
-    char owner = owners[i];
+    const char** const pair = node.attr + 2 * i;
+    const char owner = owners[i];
     if (std::strcmp(pair[0], name) != 0) {
       std::copy_n(pair, 2, node.attr + 2 * kept);
       owners[kept++] = owner;
       continue;
     }
-    bool nameOwned = (owner & internal::kNameOwned) != 0;
+    const bool nameOwned = (owner & kNameOwned) != 0;
     if (pair[0] == name) {
       copies = nameOwned;
     } else if (nameOwned) {
       release(pair[0]);
     }
-    if ((owner & internal::kValueOwned) != 0) {
+    if ((owner & kValueOwned) != 0) {
       release(pair[1]);
     }
   }
   if (copies) {
     release(name);
   }
-  node.attr[2 * kept] = nullptr;
-  node.attr[2 * kept + 1] = owners;
-  owners[kept] = '\0';
-  if (kept != 0) {
-    return;
-  }
-  std::free(owners);
-  std::free(node.attr);
-  node.attr = internal::noAttributes();
-  node.flags &= static_cast<std::uint8_t>(~kOwnAttributes);
+  endAttributes(node, kept, owners);
 }
 
-// `firsts` is a parent's list of first elements by name, `ordered` its children in document order.
-// The first list keeps that order too, which makes the first child the head of both.
-void addFirst(XmlNode* ordered, XmlNode** firsts, XmlNode* node) {
-  for (XmlNode* at = ordered; at != node; at = at->ordered) {
-    if (at == *firsts) {
-      firsts = &at->sibling;
+// Sets the i-th of `count` attributes; the last but one is new. The stored name stays, so that a
+// copy of it is released at once.
+void setPair(XmlNode& node, std::size_t count, std::size_t i, const char* name, const char* value,
+             bool copies) {
+  char* const owners = ownAttributes(node, count);
+  const char** const pair = node.attr + 2 * i;
+  if (i == count) {
+    owners[i] = static_cast<char>(copies ? kBorrowed | kNameOwned : kBorrowed);
+    pair[0] = name;
+    pair[1] = nullptr;
+    ++count;
+  } else if (copies && name != pair[0]) {
+    release(name);
+  }
+  if (value != pair[1]) {
+    if ((owners[i] & kValueOwned) != 0) {
+      release(pair[1]);
+    }
+    owners[i] = static_cast<char>(copies ? owners[i] | kValueOwned : owners[i] & ~kValueOwned);
+    pair[1] = value;
+  }
+  endAttributes(node, count, owners);
+}
+
+// The two lists that a child is in.
+struct Ordered {
+  static XmlNode*& next(XmlNode* node) { return node->ordered; }
+  static XmlNode*& before(XmlNode* node) { return static_cast<Node*>(node)->before; }
+};
+struct SameName {
+  static XmlNode*& next(XmlNode* node) { return node->next; }
+  static XmlNode*& before(XmlNode* node) { return static_cast<Node*>(node)->beforeSame; }
+};
+
+// Puts a node behind all that stand no later in the parent's text. Returns the list's head.
+template <typename List>
+XmlNode* insert(XmlNode* head, XmlNode* node) {
+  XmlNode* at = head == nullptr ? nullptr : List::before(head);
+  while (at != nullptr && at->off > node->off) {
+    at = at == head ? nullptr : List::before(at);
+  }
+  XmlNode* const behind = at == nullptr ? head : List::next(at);
+  List::next(node) = behind;
+  if (at != nullptr) {
+    List::next(at) = node;
+  }
+  XmlNode* const newHead = at == nullptr ? node : head;
+  List::before(node) = at != nullptr ? at : head != nullptr ? List::before(head) : node;
+  List::before(behind != nullptr ? behind : newHead) = node;
+  return newHead;
+}
+
+// Takes a node out. Returns the list's head.
+template <typename List>
+XmlNode* remove(XmlNode* head, XmlNode* node) {
+  XmlNode* const behind = List::next(node);
+  XmlNode* const newHead = node == head ? behind : head;
+  if (node != head) {
+    List::next(List::before(node)) = behind;
+  }
+  if (newHead != nullptr) {
+    List::before(behind != nullptr ? behind : newHead) = List::before(node);
+  }
+  return newHead;
+}
+
+bool isFirst(XmlNode* node) { return SameName::before(node)->next == nullptr; }
+
+// Where the list of the first elements of each name, whose head is `firsts`, goes on to one of
+// them. It keeps document order too, so that the first child is the head of both.
+XmlNode** linkTo(XmlNode** firsts, const XmlNode* parent, XmlNode* first) {
+  while (first != parent->child) {
+    first = Ordered::before(first);
+    if (isFirst(first)) {
+      return &first->sibling;
     }
   }
-  node->sibling = *firsts;
-  *firsts = node;
-}
-
-void removeFirst(XmlNode** firsts, XmlNode* node) {
-  while (*firsts != node) {
-    firsts = &(*firsts)->sibling;
-  }
-  *firsts = node->sibling;
-  node->sibling = nullptr;
-}
-
-// Takes a node out of a list linked by `link`. False when it is not there.
-bool removeFrom(XmlNode** list, XmlNode* XmlNode::*link, const XmlNode* node) {
-  while (*list != nullptr && *list != node) {
-    list = &((*list)->*link);
-  }
-  if (*list == nullptr) {
-    return false;
-  }
-  *list = node->*link;
-  return true;
-}
-
-// Puts a node into a list linked by `link`, behind all that stand no later in the parent's text.
-void insertByOffset(XmlNode** list, XmlNode* XmlNode::*link, XmlNode* node) {
-  while (*list != nullptr && (*list)->off <= node->off) {
-    list = &((*list)->*link);
-  }
-  node->*link = *list;
-  *list = node;
+  return firsts;
 }
 
 }  // namespace
@@ -166,22 +176,18 @@ XmlNode* setAttr(XmlNode* node, const char* name, const char* value) {
   if (node == nullptr || name == nullptr) {
     return node;
   }
-  std::size_t count = countPairs(*node);
+  const bool copies = (node->flags & kAttributesAllocated) != 0;
+  std::size_t count = 0;
   std::size_t i = 0;
-  while (i != count && std::strcmp(node->attr[2 * i], name) != 0) {
-    ++i;
+  for (; node->attr[2 * count] != nullptr; ++count) {
+    i += i == count && std::strcmp(node->attr[2 * count], name) != 0 ? 1 : 0;
   }
-  bool copies = (node->flags & kAttributesAllocated) != 0;
-  if (value == nullptr) {
-    if (i != count) {
-      removePairs(*node, count, name, copies);
-    } else if (copies) {
-      release(name);
-    }
-  } else if (i == count) {
-    appendPair(*node, count, name, value, copies);
-  } else {
-    replaceValue(*node, count, i, name, value, copies);
+  if (value != nullptr) {
+    setPair(*node, count, i, name, value, copies);
+  } else if (i != count) {
+    removePairs(*node, count, name, copies);
+  } else if (copies) {
+    release(name);
   }
   return node;
 }
@@ -192,39 +198,37 @@ XmlNode* addChild(XmlNode* parent, const char* name, std::size_t off) {
   }
   XmlNode* const node =
       internal::newNode(*internal::rootOf(parent), parent, name, internal::noAttributes(), off);
-  XmlNode* sameName = child(parent, name);
   XmlNode* firsts = parent->child;
-  insertByOffset(&parent->child, &XmlNode::ordered, node);
-  if (sameName != nullptr && sameName->off <= off) {
-    insertByOffset(&sameName, &XmlNode::next, node);
-    return node;
+  XmlNode* const sameName = child(parent, name);
+  XmlNode** const link = sameName == nullptr ? nullptr : linkTo(&firsts, parent, sameName);
+  parent->child = insert<Ordered>(parent->child, node);
+  if (insert<SameName>(sameName, node) == node) {
+    if (sameName != nullptr) {
+      *link = std::exchange(sameName->sibling, nullptr);
+    }
+    node->sibling = std::exchange(*linkTo(&firsts, parent, node), node);
   }
-  if (sameName != nullptr) {
-    removeFirst(&firsts, sameName);
-  }
-  node->next = sameName;
-  addFirst(parent->child, &firsts, node);
   return node;
 }
 
 XmlNode* cut(XmlNode* node) {
-  if (node == nullptr || node->parent == nullptr) {
+  if (node == nullptr || node->parent == nullptr || Ordered::before(node) == nullptr) {
     return node;
   }
-  XmlNode* firsts = node->parent->child;
-  XmlNode* sameName = child(node->parent, node->name);
-  if (removeFrom(&node->parent->child, &XmlNode::ordered, node)) {
-    internal::rootOf(node)->loose.push_back(node);
-    if (sameName != node) {
-      removeFrom(&sameName, &XmlNode::next, node);
-    } else {
-      removeFirst(&firsts, node);
-      if (node->next != nullptr) {
-        addFirst(node->parent->child, &firsts, node->next);
-      }
-    }
+  XmlNode* const parent = node->parent;
+  XmlNode* firsts = parent->child;
+  const bool wasFirst = isFirst(node);
+  if (wasFirst) {
+    *linkTo(&firsts, parent, node) = node->sibling;
   }
-  node->next = node->sibling = node->ordered = nullptr;
+  parent->child = remove<Ordered>(parent->child, node);
+  XmlNode* const first = remove<SameName>(wasFirst ? node : child(parent, node->name), node);
+  if (wasFirst && first != nullptr) {
+    first->sibling = std::exchange(*linkTo(&firsts, parent, first), first);
+  }
+  node->next = node->sibling = node->ordered = Ordered::before(node) = SameName::before(node) =
+      nullptr;
+  internal::rootOf(node)->loose.push_back(node);
   return node;
 }
 

@@ -253,15 +253,15 @@ inline XmlNode* Parser::add(char* name, std::size_t length, const char** attribu
     root_.xml.attr = attributes;
     return &root_.xml;
   }
-  XmlNode* const node = newNode(root_, top_->node, name, attributes, top_->textLength);
+  Node* const node = newNode(root_, top_->node, name, attributes, top_->textLength);
   link(node, length);
   return node;
 }
 
 // Links a new child of the innermost open element.
-inline void Parser::link(XmlNode* node, std::size_t length) {
+inline void Parser::link(Node* node, std::size_t length) {
   Open& parent = *top_;
-  XmlNode* const before = std::exchange(parent.lastChild, node);
+  Node* const before = std::exchange(parent.lastChild, node);
   const auto byteAt = [node](std::size_t i) { return static_cast<unsigned char>(node->name[i]); };
   const auto hash = byteAt(0) + 5u * byteAt(length - 1) + 11u * static_cast<unsigned>(length);
   const std::uint32_t bit = std::uint32_t{1} << (hash % 32);
@@ -269,14 +269,14 @@ inline void Parser::link(XmlNode* node, std::size_t length) {
     parent.node->child = node;
   } else {
     before->ordered = node;
+    node->before = before;
     if (parent.groups > kFewGroups) {
       return;
     }
-    XmlNode* const first =
+    Node* const first =
         (parent.seen & bit) == 0 ? nullptr : findGroup(parent.node->child, node->name, length);
     if (first != nullptr) {
-      first->parent->next = node;
-      first->parent = node;
+      appendSame(first, node);
       return;
     }
     parent.lastGroup->sibling = node;
@@ -284,17 +284,21 @@ inline void Parser::link(XmlNode* node, std::size_t length) {
   parent.lastGroup = node;
   parent.seen |= bit;
   ++parent.groups;
-  node->parent = node;
+}
+
+inline void Parser::appendSame(Node* first, Node* node) {
+  node->beforeSame = std::exchange(first->beforeSame, node);
+  node->beforeSame->next = node;
 }
 
 // The first of a list of groups whose name is the `length` bytes at `name`, which stand behind all
 // of theirs in the input, so that as many can be read there.
-inline XmlNode* Parser::findGroup(XmlNode* first, const char* name, std::size_t length) {
+inline Node* Parser::findGroup(XmlNode* first, const char* name, std::size_t length) {
   while (first != nullptr &&
          (first->name[length] != '\0' || !sameBytes(first->name, name, length))) {
     first = first->sibling;
   }
-  return first;
+  return static_cast<Node*>(first);
 }
 
 // Groups the children of many names again, with a table.
@@ -304,20 +308,21 @@ void Parser::regroup(XmlNode* parent) {
     ++children;
   }
   NameTable names(children);
-  std::vector<XmlNode*> firsts;
+  std::vector<Node*> firsts;
   firsts.reserve(children);
-  for (XmlNode* node = parent->child; node != nullptr; node = node->ordered) {
+  for (XmlNode* child = parent->child; child != nullptr; child = child->ordered) {
+    auto* const node = static_cast<Node*>(child);
     node->next = node->sibling = nullptr;
+    node->beforeSame = node;
     const std::size_t i = names.add(node->name);
     if (i != firsts.size()) {
-      firsts[i]->parent->next = node;
-    } else {
-      if (i != 0) {
-        firsts.back()->sibling = node;
-      }
-      firsts.push_back(node);
+      appendSame(firsts[i], node);
+      continue;
     }
-    firsts[i]->parent = node;
+    if (i != 0) {
+      firsts.back()->sibling = node;
+    }
+    firsts.push_back(node);
   }
 }
 
@@ -342,8 +347,8 @@ void Parser::close() {
   if (top_->groups > kFewGroups) {
     regroup(node);
   }
-  for (XmlNode* first = node->child; first != nullptr; first = first->sibling) {
-    first->parent = node;
+  if (node->child != nullptr) {
+    static_cast<Node*>(node->child)->before = top_->lastChild;
   }
   Open* const closed = std::exchange(top_, top_->outer);
   closed->outer = std::exchange(spare_, closed);

@@ -101,7 +101,7 @@ char* Arena::copy(const char* from, std::size_t length) {
 
 RootImpl* newRoot(char* data, std::size_t length) {
   auto* const root = new RootImpl();
-  root->words.expect(std::clamp<std::size_t>(length / 4, 512, 16384));
+  root->words.expect(std::clamp<std::size_t>(length / 2, 512, 16384));
   root->texts.expect(std::clamp<std::size_t>(length / 8, 256, 16384));
   root->m = data;
   root->len = static_cast<std::ptrdiff_t>(length);

@@ -82,6 +82,14 @@ class Arena {
 
 constexpr std::size_t kPredefinedEntities = 5;
 
+// Any element but the root, with what stands before it in the lists of its parent's children: all
+// in document order, and those of its name. Before the first one stands the last. Both are nullptr
+// in an element that was cut.
+struct Node : XmlNode {
+  XmlNode* before;
+  XmlNode* beforeSame;
+};
+
 struct RootImpl : XmlRoot {
   Arena words;                  // elements and arrays of pointers
   Arena texts;                  // what is not in the input
@@ -93,10 +101,10 @@ struct RootImpl : XmlRoot {
 RootImpl* newRoot(char* data, std::size_t length);
 
 // An element that is linked to nothing but its parent.
-inline XmlNode* newNode(RootImpl& root, XmlNode* parent, const char* name, const char** attributes,
-                        std::size_t off) {
-  auto* const node = reinterpret_cast<XmlNode*>(root.words.take(sizeof(XmlNode)));
-  *node = {name, attributes, "", off, nullptr, nullptr, nullptr, nullptr, parent, 0};
+inline Node* newNode(RootImpl& root, XmlNode* parent, const char* name, const char** attributes,
+                     std::size_t off) {
+  auto* const node = reinterpret_cast<Node*>(root.words.take(sizeof(Node)));
+  *node = {{name, attributes, "", off, nullptr, nullptr, nullptr, nullptr, parent, 0}, node, node};
   return node;
 }
 

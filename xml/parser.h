@@ -31,15 +31,14 @@ class Parser {
   // Children of up to so many names are grouped as they come.
   static constexpr std::size_t kFewGroups = 16;
 
-  // An element whose end tag is still to come. The first child of a name keeps the last one of that
-  // name in its `parent` until then.
+  // An element whose end tag is still to come.
   struct Open {
     Open* outer;
     XmlNode* node;
     std::size_t nameLength;
     std::size_t textLength;
     std::size_t pieces;  // where in pieces_ its text starts that is not in one place
-    XmlNode* lastChild;
+    Node* lastChild;
     XmlNode* lastGroup;  // first child of the newest name
     std::size_t groups;  // names of its children, no more than one above kFewGroups
     std::uint32_t seen;  // a bit for each of them, not necessarily its own
@@ -79,8 +78,9 @@ class Parser {
   void appendPiece(const char* text, std::size_t length);
   void terminate(char* end);
   XmlNode* add(char* name, std::size_t length, const char** attributes);
-  void link(XmlNode* node, std::size_t length);
-  static XmlNode* findGroup(XmlNode* first, const char* name, std::size_t length);
+  void link(Node* node, std::size_t length);
+  static void appendSame(Node* first, Node* node);
+  static Node* findGroup(XmlNode* first, const char* name, std::size_t length);
   static void regroup(XmlNode* parent);
   void open(XmlNode* node, std::size_t nameLength);
   void close();
