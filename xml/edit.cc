@@ -158,6 +158,21 @@ XmlNode** linkTo(XmlNode** firsts, const XmlNode* parent, XmlNode* first) {
   return firsts;
 }
 
+// The first child of a name, as the document knows it of the parent that was changed last.
+XmlNode*& firstNamed(internal::RootImpl& root, const XmlNode* parent, const char* name) {
+  if (std::exchange(root.changed, parent) != parent) {
+    root.names.clear();
+    root.firsts.clear();
+    for (XmlNode* first = parent->child; first != nullptr; first = first->sibling) {
+      root.names.add(first->name);
+      root.firsts.push_back(first);
+    }
+  }
+  const std::size_t i = root.names.add(name);
+  root.firsts.resize(root.names.size());
+  return root.firsts[i];
+}
+
 }  // namespace
 
 XmlNode* setText(XmlNode* node, const char* text) {
@@ -196,13 +211,15 @@ XmlNode* addChild(XmlNode* parent, const char* name, std::size_t off) {
   if (parent == nullptr || name == nullptr) {
     return nullptr;
   }
-  XmlNode* const node =
-      internal::newNode(*internal::rootOf(parent), parent, name, internal::noAttributes(), off);
+  internal::RootImpl& root = *internal::rootOf(parent);
+  XmlNode* const node = internal::newNode(root, parent, name, internal::noAttributes(), off);
   XmlNode* firsts = parent->child;
-  XmlNode* const sameName = child(parent, name);
+  XmlNode*& first = firstNamed(root, parent, name);
+  XmlNode* const sameName = first;
   XmlNode** const link = sameName == nullptr ? nullptr : linkTo(&firsts, parent, sameName);
   parent->child = insert<Ordered>(parent->child, node);
-  if (insert<SameName>(sameName, node) == node) {
+  first = insert<SameName>(sameName, node);
+  if (first == node) {
     if (sameName != nullptr) {
       *link = std::exchange(sameName->sibling, nullptr);
     }
@@ -216,19 +233,21 @@ XmlNode* cut(XmlNode* node) {
     return node;
   }
   XmlNode* const parent = node->parent;
+  internal::RootImpl& root = *internal::rootOf(parent);
   XmlNode* firsts = parent->child;
+  XmlNode*& first = firstNamed(root, parent, node->name);
   const bool wasFirst = isFirst(node);
   if (wasFirst) {
     *linkTo(&firsts, parent, node) = node->sibling;
   }
   parent->child = remove<Ordered>(parent->child, node);
-  XmlNode* const first = remove<SameName>(wasFirst ? node : child(parent, node->name), node);
+  first = remove<SameName>(first, node);
   if (wasFirst && first != nullptr) {
     first->sibling = std::exchange(*linkTo(&firsts, parent, first), first);
   }
   node->next = node->sibling = node->ordered = Ordered::before(node) = SameName::before(node) =
       nullptr;
-  internal::rootOf(node)->loose.push_back(node);
+  root.loose.push_back(node);
   return node;
 }
 

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "xml/names.h"
 #include "xml/xml.h"
 
 namespace onu::xml::internal {
@@ -94,6 +95,11 @@ struct RootImpl : XmlRoot {
   Arena words;                  // elements and arrays of pointers
   Arena texts;                  // what is not in the input
   std::vector<XmlNode*> loose;  // elements that were cut
+  // The parent that addChild or cut changed last, the names its children have, or had, and the
+  // first of each.
+  const XmlNode* changed = nullptr;
+  NameTable names;
+  std::vector<XmlNode*> firsts;
   const char* predefined[2 * kPredefinedEntities + 1];
 };
 
