@@ -1,40 +1,23 @@
 // Owner of a parsed document.
 #pragma once
 
-#include <utility>
+#include <memory>
 
 #include "xml/xml.h"
 
 namespace onu::xml {
 
-// Holds a document, or none, and ends it with freeDoc. Moves, never copies.
-class Document {
- public:
-  Document() = default;
-  explicit Document(XmlRoot* root) : root_(root) {}
-  Document(Document&& other) noexcept : root_(other.release()) {}
-  Document& operator=(Document&& other) noexcept {
-    reset(other.release());
-    return *this;
-  }
-  Document(const Document&) = delete;
-  Document& operator=(const Document&) = delete;
-  ~Document() { freeDoc(root_); }
+struct FreeDoc {
+  void operator()(XmlRoot* root) const { freeDoc(root); }
+};
 
-  explicit operator bool() const { return root_ != nullptr; }
-  XmlRoot* get() const { return root_; }
-  XmlRoot* operator->() const { return root_; }
+// Holds a document, or none, and ends it with freeDoc.
+class Document : public std::unique_ptr<XmlRoot, FreeDoc> {
+ public:
+  using unique_ptr::unique_ptr;
 
   // The root element, nullptr without a document: what every operation takes.
-  XmlNode* node() const { return root_ == nullptr ? nullptr : &root_->xml; }
-
-  // Hands the document over; the receiver ends it.
-  XmlRoot* release() { return std::exchange(root_, nullptr); }
-
-  void reset(XmlRoot* root = nullptr) { freeDoc(std::exchange(root_, root)); }
-
- private:
-  XmlRoot* root_ = nullptr;
+  XmlNode* node() const { return *this == nullptr ? nullptr : &get()->xml; }
 };
 
 }  // namespace onu::xml

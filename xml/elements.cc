@@ -1,4 +1,5 @@
 // Start tags, their attributes, end tags, the plain text between them, and the tree made of them.
+#include <algorithm>
 #include <utility>
 
 #include "xml/parser.h"
@@ -50,7 +51,7 @@ char* Parser::startTag(char* p) {
     if (p == nullptr) {
       return nullptr;
     }
-    array = finishArray();
+    array = attributeArray();
   }
   const bool isEmpty = tagEnd == '/';
   if (isEmpty ? peek(p + 1) != '>' : tagEnd != '>') {
@@ -80,50 +81,46 @@ char* Parser::startTag(char* p) {
   return stop;
 }
 
-// Collects the attributes from p on in array_ and leaves p_ where the tag ends. Returns what stands
-// there: '/', '>', or NUL at the end of the data. p_ is nullptr after an error.
+// Collects the attributes from p on and leaves p_ where the tag ends. Returns what stands there:
+// '/',
+// '>', or NUL at the end of the data. p_ is nullptr after an error.
 char Parser::attributes(char* p, std::string_view element) {
-  array_ = pair_ = reinterpret_cast<const char**>(root_.words.next());
-  pairLimit_ = array_ + root_.words.left() / sizeof(*array_);
-  char c = '\0';
-  do {
+  pairs_.clear();
+  for (;;) {
     p_ = doctype_ == nullptr ? plainAttributes(p) : p;
-    c = *p_;
+    char c = *p_;
     if (c != '>' && c != '/') {
       c = oddAttribute(element);
     }
+    if (c == '>' || c == '/' || c == '\0') {
+      return c;
+    }
     p = p_;
-  } while (c != '>' && c != '/' && c != '\0');
-  return c;
+  }
 }
 
 // Takes attributes of the usual form: a name and a value in double quotes that needs no decoding.
 // Returns the place behind them.
 inline char* Parser::plainAttributes(char* p) {
-  const char** pair = pair_;
-  while (pairLimit_ - pair >= kPairAndEnd) {
+  for (;;) {
     char* name = p;
     while (isSpace(*name)) {
       ++name;
     }
     char* const nameEnd = skipTo(name, kAttributeNameEnd);
     if (*nameEnd != '=' || nameEnd[1] != '"' || nameEnd == name) {
-      break;
+      return p;
     }
-    char* const value = nameEnd + 2;
-    char* const valueEnd = skipTo(value, kValueStop);
+    char* const valueEnd = skipTo(nameEnd + 2, kValueStop);
     if (*valueEnd != '"') {
-      break;
+      return p;
     }
     *nameEnd = '\0';
     *valueEnd = '\0';
-    pair[0] = name;
-    pair[1] = value;
-    pair += 2;
+    pairs_.push_back(name);
+    pairs_.push_back(nameEnd + 2);
     p = valueEnd + 1;
   }
-  pair_ = pair;
-  return p;
 }
 
 // Any form of an attribute at p_. One without a quoted value gets the empty one. Returns what
@@ -146,12 +143,8 @@ char Parser::oddAttribute(std::string_view element) {
   }
   terminate(nameEnd);
   const bool isQuoted = hasValue && (c == '"' || c == '\'');
-  const char* const value = isQuoted ? attributeValue(element, name) : "";
-  if (pairLimit_ - pair_ < kPairAndEnd) {
-    growArray();
-  }
-  *pair_++ = name;
-  *pair_++ = value;
+  pairs_.push_back(name);
+  pairs_.push_back(isQuoted ? attributeValue(element, name) : "");
   return p_ == nullptr || p_ == e_ ? '\0' : c;
 }
 
@@ -172,38 +165,24 @@ const char* Parser::attributeValue(std::string_view element, const char* name) {
   return decoded.inPlace ? value : root_.texts.copy(decoded.text, decoded.length);
 }
 
-void Parser::growArray() {
-  const auto bytes = static_cast<std::size_t>(pair_ - array_) * sizeof(*array_);
-  root_.words.startBlock(2 * bytes + 16 * sizeof(*array_));
-  auto** const moved = reinterpret_cast<const char**>(root_.words.next());
-  if (bytes != 0) {
-    std::memcpy(moved, array_, bytes);
-  }
-  pair_ = moved + (pair_ - array_);
-  array_ = moved;
-  pairLimit_ = array_ + root_.words.left() / sizeof(*array_);
-}
-
-// Ends the array of the attributes collected.
-const char** Parser::finishArray() {
+// The array of the attributes collected.
+const char** Parser::attributeArray() {
   static constexpr char kAllBorrowed[] = "                                ";
   constexpr std::size_t kShared = sizeof(kAllBorrowed) - 1;
   static_assert(kAllBorrowed[0] == kBorrowed);
-  const auto count = static_cast<std::size_t>(pair_ - array_) / 2;
+  const std::size_t count = pairs_.size() / 2;
   if (count == 0) {
     return noAttributes();
   }
-  const char* owners = kAllBorrowed + kShared - (count < kShared ? count : kShared);
+  const char* owners = kAllBorrowed + kShared - std::min(count, kShared);
   if (count > kShared) {
-    char* const text = root_.texts.take(count + 1);
-    std::memset(text, kBorrowed, count);
-    text[count] = '\0';
-    owners = text;
+    owners = root_.texts.copy(std::string(count, kBorrowed).data(), count);
   }
-  pair_[0] = nullptr;
-  pair_[1] = owners;
-  root_.words.takeUpTo(reinterpret_cast<char*>(pair_ + 2));
-  return array_;
+  const char** const array = root_.words.array<const char*>(2 * count + 2);
+  std::copy_n(pairs_.data(), 2 * count, array);
+  array[2 * count] = nullptr;
+  array[2 * count + 1] = owners;
+  return array;
 }
 
 char* Parser::endTag(char* p) {

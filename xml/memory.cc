@@ -75,18 +75,13 @@ char* Arena::newBlock(std::size_t bytes) {
   return reinterpret_cast<char*>(block + 1);
 }
 
-void Arena::startBlock(std::size_t bytes) {
-  const std::size_t size = std::max(bytes, blockSize_);
-  next_ = newBlock(size);
-  end_ = next_ + size;
-}
-
 // What is large has a block of its own, and the one in use stays.
 char* Arena::takeFromNewBlock(std::size_t bytes) {
   if (bytes > blockSize_ / 2) {
     return newBlock(bytes);
   }
-  startBlock(bytes);
+  next_ = newBlock(blockSize_);
+  end_ = next_ + blockSize_;
   return take(bytes);
 }
 

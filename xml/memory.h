@@ -47,7 +47,7 @@ class Arena {
   // and elements are.
   char* take(std::size_t bytes) {
     char* const place = next_;
-    if (left() < bytes) {
+    if (static_cast<std::size_t>(end_ - next_) < bytes) {
       return takeFromNewBlock(bytes);
     }
     next_ += bytes;
@@ -60,13 +60,6 @@ class Arena {
   }
   // A copy with a NUL behind it.
   char* copy(const char* from, std::size_t length);
-
-  // For what grows until its size is known: where the next piece will lie, how much room is there,
-  // a new block where that does not do, and where the piece ends.
-  char* next() const { return next_; }
-  std::size_t left() const { return static_cast<std::size_t>(end_ - next_); }
-  void startBlock(std::size_t bytes);
-  void takeUpTo(char* end) { next_ = end; }
 
  private:
   struct Block {

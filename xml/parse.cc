@@ -9,41 +9,25 @@ namespace onu::xml::internal {
 
 namespace {
 
-std::ptrdiff_t countLines(const char* p, const char* e) {
-  std::ptrdiff_t lines = 0;
-  while ((p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(e - p)))) !=
-         nullptr) {
-    ++lines;
-    ++p;
-  }
-  return lines;
-}
+std::ptrdiff_t countLines(const char* p, const char* e) { return std::count(p, e, '\n'); }
 
 // Whether an XML declaration's text, which is read as far as it holds pairs of a name and a quoted
 // value, sets "standalone" to yes.
-bool saysStandalone(const char* p, const char* e) {
+bool saysStandalone(std::string_view text) {
+  Entities none;
+  SubsetSource source(text, none);
   for (;;) {
-    p = skipSpace(p, e);
-    const char* const name = p;
-    while (p != e && !isSpace(*p) && *p != '=') {
-      ++p;
-    }
-    const bool isStandalone =
-        std::string_view(name, static_cast<std::size_t>(p - name)) == "standalone";
-    p = skipSpace(p, e);
-    if (p == e || *p != '=') {
-      return false;
-    }
-    const char* const quote = skipSpace(p + 1, e);
-    if (quote == e || (*quote != '"' && *quote != '\'')) {
-      return false;
-    }
-    p = behindText(quote + 1, e, {quote, 1});
-    if (p == nullptr) {
+    source.skipSpace();
+    const bool isStandalone = source.word("=") == "standalone";
+    source.skipSpace();
+    const bool hasValue = source.accept("=");
+    source.skipSpace();
+    const Token value = source.quoted();
+    if (!hasValue || value.data() == nullptr) {
       return false;
     }
     if (isStandalone) {
-      return p - quote == 5 && startsWith(quote + 1, e, "yes");
+      return value == "yes";
     }
   }
 }
@@ -55,6 +39,7 @@ Parser::Parser(RootImpl& root)
     : root_(root), e_(root.e), last_(root.s == root.e ? &lastByte_ : root.e - 1), stop_(root.e) {
   lastByte_ = root.s == root.e ? '\0' : *last_;
   hideLast();
+  pairs_.reserve(32);
   opens_.expect(std::clamp<std::size_t>(static_cast<std::size_t>(e_ - root_.s) / 16,
                                         12 * sizeof(Open), 8192));
 }
@@ -237,7 +222,7 @@ char* Parser::instruction(char* p) {
   const std::string_view name(target, static_cast<std::size_t>(targetEnd - target));
   char* const text = skipSpace(targetEnd, close);
   if (name == "xml") {
-    if (!hasRoot() && saysStandalone(text, close)) {
+    if (!hasRoot() && saysStandalone({text, static_cast<std::size_t>(close - text)})) {
       root_.standalone = 1;
     }
     return close + 2;

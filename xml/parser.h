@@ -26,8 +26,7 @@ class Parser {
   static constexpr const char* kOutside = "markup outside of root element";
   static constexpr const char* kUnexpected = "unexpected <";
   static constexpr std::size_t kNoPieces = static_cast<std::size_t>(-1);
-  static constexpr std::ptrdiff_t kPairAndEnd = 4;  // pointers
-  static constexpr std::size_t kStep = 16;          // bytes that short pieces are copied in
+  static constexpr std::size_t kStep = 16;  // bytes that short pieces are copied in
   // Children of up to so many names are grouped as they come.
   static constexpr std::size_t kFewGroups = 16;
 
@@ -68,8 +67,7 @@ class Parser {
   char* plainAttributes(char* p);
   char oddAttribute(std::string_view element);
   const char* attributeValue(std::string_view element, const char* name);
-  void growArray();
-  const char** finishArray();
+  const char** attributeArray();
   char* endTag(char* p);
   char* behindEndTag(char* p, const char* name, std::size_t length) const;
   char* behindOddEndTag(char* p);
@@ -114,11 +112,9 @@ class Parser {
   Arena opens_;
   std::vector<char> pieces_;  // of their texts, the innermost one's on top
   char* piecesEnd_ = nullptr;
-  char* piecesLimit_ = nullptr;   // kStep bytes can be written here yet
-  char* p_ = nullptr;             // in a tag: where what is not of the usual form goes on
-  const char** array_ = nullptr;  // the tag's attributes
-  const char** pair_ = nullptr;   // where the next one goes
-  const char** pairLimit_ = nullptr;
+  char* piecesLimit_ = nullptr;     // kStep bytes can be written here yet
+  char* p_ = nullptr;               // in a tag: where what is not of the usual form goes on
+  std::vector<const char*> pairs_;  // attributes of that tag
   Decoder decoder_;
   std::unique_ptr<Doctype> doctype_;
   std::unique_ptr<Instructions> instructions_;

@@ -1,4 +1,5 @@
 // Writing a tree as text.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -25,14 +26,16 @@ class Output {
   char* start() const { return data_; }
   std::size_t size(const char* at) const { return static_cast<std::size_t>(at - data_); }
 
-  // Writes a text up to its NUL with what is of the class as references. Four bytes go between two
-  // looks at the room, and each is looked at once.
+  // Writes at most so many bytes of a text, up to its NUL, and moves it on. What is of the classes
+  // is written as references.
   template <unsigned kEscape>
-  char* text(char* at, const char* from);
-  // At most so many bytes of it, moving it on.
   char* part(char* at, const char** from, std::size_t most);
-
-  char* name(char* at, const char* from);
+  template <unsigned kEscape>
+  char* text(char* at, const char* from) {
+    return part<kEscape>(at, &from, static_cast<std::size_t>(-1));
+  }
+  // A text as it is.
+  char* plain(char* at, const char* from) { return text<0>(at, from); }
 
   // The text with a NUL, for the caller to free, in exactly as much memory. Ends the output.
   char* release(char* at);
@@ -70,59 +73,26 @@ char* Output::escape(char* at, char c) {
 }
 
 template <unsigned kEscape>
-inline char* Output::text(char* at, const char* from) {
-  for (;;) {
-#pragma GCC unroll 4
-    for (int i = 0; i != 4; ++i) {
-      const char c = *from++;
-      if (is(c, kEscape)) {
-        if (c == '\0') {
-          return room(at);
-        }
-        at = escape(at, c);
-        break;
-      }
-      *at++ = c;
-    }
-    at = room(at);
-  }
-}
-
-char* Output::part(char* at, const char** from, std::size_t most) {
+inline char* Output::part(char* at, const char** from, std::size_t most) {
   const char* p = *from;
-  const char* const end = p + most;
-  std::size_t plain = 0;  // bytes since the last look at the room
-  for (; p != end; ++p) {
-    if (is(*p, kContentEscape)) {
+  while (most != 0) {
+    const char* const runEnd = p + std::min(most, kRoom);
+    most -= static_cast<std::size_t>(runEnd - p);
+    while (p != runEnd && !(kEscape == 0 ? *p == '\0' : is(*p, kEscape))) {
+      *at++ = *p++;
+    }
+    most += static_cast<std::size_t>(runEnd - p);
+    if (p != runEnd) {
       if (*p == '\0') {
         break;
       }
-      at = room(escape(at, *p));
-      plain = 0;
-      continue;
-    }
-    *at++ = *p;
-    if (++plain == kRoom) {
-      at = room(at);
-      plain = 0;
-    }
-  }
-  *from = p;
-  return room(at);
-}
-
-inline char* Output::name(char* at, const char* from) {
-  for (;;) {
-#pragma GCC unroll 4
-    for (int i = 0; i != 4; ++i) {
-      const char c = *from++;
-      if (c == '\0') {
-        return room(at);
-      }
-      *at++ = c;
+      at = escape(at, *p++);
+      --most;
     }
     at = room(at);
   }
+  *from = p;
+  return room(at);
 }
 
 char* Output::release(char* at) {
@@ -194,7 +164,7 @@ char* Serialiser::subtree(char* at, const XmlNode& top) {
 // Writes a start tag, and all of an element without children.
 inline char* Serialiser::start(char* at, const XmlNode& node) {
   *at++ = '<';
-  at = out_.name(at, node.name);
+  at = out_.plain(at, node.name);
   if (node.attr[0] != nullptr || root_.attr[0] != nullptr) {
     at = attributes(at, node);
   }
@@ -212,7 +182,7 @@ inline char* Serialiser::textUntil(char* at, Open& open, std::size_t off) {
     return at;
   }
   const char* const from = open.text;
-  at = out_.part(at, &open.text, off - open.written);
+  at = out_.part<kContentEscape>(at, &open.text, off - open.written);
   open.written += static_cast<std::size_t>(open.text - from);
   return at;
 }
@@ -221,7 +191,7 @@ inline char* Serialiser::end(char* at, const XmlNode& node, const char* text) {
   at = out_.text<kContentEscape>(at, text);
   *at++ = '<';
   *at++ = '/';
-  at = out_.name(at, node.name);
+  at = out_.plain(at, node.name);
   *at++ = '>';
   return at;
 }
@@ -246,7 +216,7 @@ char* Serialiser::attributes(char* at, const XmlNode& node) {
 
 inline char* Serialiser::attribute(char* at, const char* name, const char* value) {
   *at++ = ' ';
-  at = out_.name(at, name);
+  at = out_.plain(at, name);
   *at++ = '=';
   *at++ = '"';
   at = out_.text<kValueEscape>(at, value);
@@ -302,22 +272,11 @@ char* Serialiser::instructions(char* at, char side, const char* before, const ch
       }
       const char* const blank = texts[i][0] == '\0' ? "" : " ";
       for (const char* text : {before, "<?", **list, blank, texts[i], "?>", behind}) {
-        at = out_.name(at, text);
+        at = out_.plain(at, text);
       }
     }
   }
   return at;
-}
-
-// Enough for most documents that were changed a little.
-std::size_t expectedSize(const XmlNode& node) {
-  constexpr std::size_t kSmall = 1024;
-  if (node.parent != nullptr) {
-    return kSmall;
-  }
-  const RootImpl& root = *rootOf(&node);
-  const auto size = static_cast<std::size_t>(root.e - root.s);
-  return size + size / 16 + kSmall;
 }
 
 }  // namespace
@@ -328,11 +287,13 @@ namespace onu::xml {
 
 char* toXml(const XmlNode* node, std::size_t* length) {
   const bool isText = node != nullptr && node->name != nullptr;
-  internal::Output out(isText ? internal::expectedSize(*node) : 1);
+  const bool isRoot = isText && node->parent == nullptr;
+  // Of a whole document what it was read from, as it may have been changed a little.
+  const auto* const root = isRoot ? internal::rootOf(node) : nullptr;
+  internal::Output out(1024 + (isRoot ? static_cast<std::size_t>(root->e - root->s) : 0));
   char* at = out.start();
   if (isText) {
     internal::Serialiser serialiser(*node, out);
-    const bool isRoot = node->parent == nullptr;
     at = isRoot ? serialiser.instructions(at, '<', "", "\n") : at;
     at = serialiser.subtree(at, *node);
     at = isRoot ? serialiser.instructions(at, '>', "\n", "") : at;
