@@ -81,9 +81,8 @@ char* Parser::startTag(char* p) {
   return stop;
 }
 
-// Collects the attributes from p on and leaves p_ where the tag ends. Returns what stands there:
-// '/',
-// '>', or NUL at the end of the data. p_ is nullptr after an error.
+// Collects the attributes from p on and leaves p_ where the tag ends. Returns what stands there,
+// NUL at the end of the data. p_ is nullptr after an error.
 char Parser::attributes(char* p, std::string_view element) {
   pairs_.clear();
   for (;;) {
@@ -117,8 +116,7 @@ inline char* Parser::plainAttributes(char* p) {
     }
     *nameEnd = '\0';
     *valueEnd = '\0';
-    pairs_.push_back(name);
-    pairs_.push_back(nameEnd + 2);
+    pairs_.push_back({name, nameEnd + 2});
     p = valueEnd + 1;
   }
 }
@@ -143,8 +141,7 @@ char Parser::oddAttribute(std::string_view element) {
   }
   terminate(nameEnd);
   const bool isQuoted = hasValue && (c == '"' || c == '\'');
-  pairs_.push_back(name);
-  pairs_.push_back(isQuoted ? attributeValue(element, name) : "");
+  pairs_.push_back({name, isQuoted ? attributeValue(element, name) : ""});
   return p_ == nullptr || p_ == e_ ? '\0' : c;
 }
 
@@ -170,7 +167,7 @@ const char** Parser::attributeArray() {
   static constexpr char kAllBorrowed[] = "                                ";
   constexpr std::size_t kShared = sizeof(kAllBorrowed) - 1;
   static_assert(kAllBorrowed[0] == kBorrowed);
-  const std::size_t count = pairs_.size() / 2;
+  const std::size_t count = pairs_.size();
   if (count == 0) {
     return noAttributes();
   }
@@ -179,9 +176,13 @@ const char** Parser::attributeArray() {
     owners = root_.texts.copy(std::string(count, kBorrowed).data(), count);
   }
   const char** const array = root_.words.array<const char*>(2 * count + 2);
-  std::copy_n(pairs_.data(), 2 * count, array);
-  array[2 * count] = nullptr;
-  array[2 * count + 1] = owners;
+  const char** end = array;
+  for (const Pair& pair : pairs_) {
+    *end++ = pair.name;
+    *end++ = pair.value;
+  }
+  *end++ = nullptr;
+  *end = owners;
   return array;
 }
 

@@ -1,6 +1,6 @@
 // Everything between the tags, and the course of a parse.
 #include <algorithm>
-#include <charconv>
+#include <string>
 
 #include "xml/parser.h"
 #include "xml/utf.h"
@@ -39,7 +39,7 @@ Parser::Parser(RootImpl& root)
     : root_(root), e_(root.e), last_(root.s == root.e ? &lastByte_ : root.e - 1), stop_(root.e) {
   lastByte_ = root.s == root.e ? '\0' : *last_;
   hideLast();
-  pairs_.reserve(32);
+  pairs_.reserve(16);
   opens_.expect(std::clamp<std::size_t>(static_cast<std::size_t>(e_ - root_.s) / 16,
                                         12 * sizeof(Open), 8192));
 }
@@ -55,7 +55,7 @@ void Parser::end() {
   while (top_ != nullptr) {
     close();
   }
-  if (instructions_ != nullptr) {
+  if (!instructions_.empty()) {
     publishInstructions();
   }
   if (doctype_ != nullptr) {
@@ -229,24 +229,20 @@ char* Parser::instruction(char* p) {
   }
   terminate(targetEnd);
   *close = '\0';
-  if (instructions_ == nullptr) {
-    instructions_ = std::make_unique<Instructions>();
+  const std::size_t i = targets_.add(name);
+  if (i == instructions_.size()) {
+    instructions_.push_back({target, {}, {}});
   }
-  std::vector<Instructions::List>& lists = instructions_->lists;
-  const std::size_t i = instructions_->places.add(name);
-  if (i == lists.size()) {
-    lists.push_back({target, {}, {}});
-  }
-  lists[i].texts.push_back(text);
-  lists[i].sides += hasRoot() ? '>' : '<';
+  instructions_[i].texts.push_back(text);
+  instructions_[i].sides += hasRoot() ? '>' : '<';
   return close + 2;
 }
 
 // Puts the instructions into the document's table.
 void Parser::publishInstructions() {
-  const char*** lists = root_.words.array<const char**>(instructions_->lists.size() + 1);
+  const char*** lists = root_.words.array<const char**>(instructions_.size() + 1);
   root_.pi = lists;
-  for (const Instructions::List& list : instructions_->lists) {
+  for (const Instructions& list : instructions_) {
     const char** text = root_.words.array<const char*>(list.texts.size() + 3);
     *lists++ = text;
     *text++ = list.target;
@@ -269,20 +265,14 @@ Decoded Parser::decode(char* text, char* odd, std::size_t length, Mode mode) {
 
 char* Parser::fail(const char* place, std::string_view message, std::string_view argument) {
   showLast();
-  char line[24];
-  const char* const lineEnd =
-      std::to_chars(line, line + sizeof(line), 1 + countLines(root_.s, place) + lostLines_).ptr;
-  constexpr std::string_view kHole = "%s";
-  const std::size_t before = std::min(message.find(kHole), message.size());
-  const std::size_t behind = std::min(before + kHole.size(), message.size());
-  std::size_t length = 0;
-  for (const std::string_view part :
-       {std::string_view("[error near line "),
-        std::string_view(line, static_cast<std::size_t>(lineEnd - line)), std::string_view("]: "),
-        message.substr(0, before), argument, message.substr(behind)}) {
-    length += part.copy(root_.err + length, sizeof(root_.err) - 1 - length);
+  const std::ptrdiff_t line = 1 + countLines(root_.s, place) + lostLines_;
+  std::string text = "[error near line " + std::to_string(line) + "]: ";
+  text += message;
+  const std::size_t hole = text.find("%s");
+  if (hole != std::string::npos) {
+    text.replace(hole, 2, argument.substr(0, sizeof(root_.err)));
   }
-  root_.err[length] = '\0';
+  root_.err[text.copy(root_.err, sizeof(root_.err) - 1)] = '\0';
   hideLast();
   failed_ = true;
   return nullptr;

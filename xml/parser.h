@@ -42,14 +42,14 @@ class Parser {
     std::size_t groups;  // names of its children, no more than one above kFewGroups
     std::uint32_t seen;  // a bit for each of them, not necessarily its own
   };
+  struct Pair {
+    const char* name;
+    const char* value;
+  };
   struct Instructions {
-    struct List {
-      const char* target;
-      std::vector<const char*> texts;
-      std::string sides;
-    };
-    std::vector<List> lists;
-    NameTable places;  // of targets
+    const char* target;
+    std::vector<const char*> texts;
+    std::string sides;
   };
 
   bool hasRoot() const { return root_.xml.name != nullptr; }
@@ -112,12 +112,13 @@ class Parser {
   Arena opens_;
   std::vector<char> pieces_;  // of their texts, the innermost one's on top
   char* piecesEnd_ = nullptr;
-  char* piecesLimit_ = nullptr;     // kStep bytes can be written here yet
-  char* p_ = nullptr;               // in a tag: where what is not of the usual form goes on
-  std::vector<const char*> pairs_;  // attributes of that tag
+  char* piecesLimit_ = nullptr;  // kStep bytes can be written here yet
+  char* p_ = nullptr;            // in a tag: where what is not of the usual form goes on
+  std::vector<Pair> pairs_;      // attributes of that tag
   Decoder decoder_;
   std::unique_ptr<Doctype> doctype_;
-  std::unique_ptr<Instructions> instructions_;
+  std::vector<Instructions> instructions_;
+  NameTable targets_;  // of them
 };
 
 // Ends a name, whose place may hold a line feed that counts for the lines of later errors.
@@ -133,8 +134,8 @@ inline void Parser::appendText(char* text, std::size_t length) {
   if (length == 0) {
     return;
   }
-  if (top_->pieces != kNoPieces && length <= kStep &&
-      piecesEnd_<piecesLimit_&& static_cast<std::size_t>(last_ - text)> kStep) {
+  const bool isShort = length <= kStep && static_cast<std::size_t>(last_ - text) > kStep;
+  if (isShort && top_->pieces != kNoPieces && piecesLimit_ > piecesEnd_) {
     std::memcpy(piecesEnd_, text, kStep);
     piecesEnd_ += length;
     top_->textLength += length;
