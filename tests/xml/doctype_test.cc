@@ -130,6 +130,21 @@ TEST(Defaults, AnswerAttr) {
   EXPECT_EQ(document->attr[2], nullptr);
 }
 
+// 20,000 elements would write 8 MiB of a default; those that do not fit are left out.
+TEST(Defaults, WriteOneMebibyteAtMost) {
+  std::string text = "<!DOCTYPE a [<!ATTLIST b c CDATA '" + std::string(400, 'v') + "'>]><a>";
+  for (int i = 0; i < 20000; ++i) {
+    text += "<b/>";
+  }
+  Parsed document(text + "<b c='own'/></a>");
+  const std::string all = written(document.node());
+  EXPECT_GT(all.size(), std::size_t{1} << 20);
+  EXPECT_LT(all.size(), (std::size_t{1} << 20) + 20001 * 16);
+  EXPECT_EQ(all.substr(0, 12), "<a><b c=\"vvv");
+  EXPECT_EQ(all.substr(all.size() - 30), "</b><b></b><b c=\"own\"></b></a>");
+  EXPECT_TRUE(written(document.node()) == all);
+}
+
 // Every level doubles the one before, to 10 GB; references past the bound stay as they are.
 TEST(Entities, ExpandToOneMebibyteAtMost) {
   std::string subset = "<!ENTITY e0 '0123456789'>";

@@ -37,7 +37,9 @@ inline std::string written(const XmlNode* node) {
 
 // The tree in one line, as name{attribute=value;}'text'[child@off child@off].
 inline std::string shown(const XmlNode* node) {
-  if (node == nullptr || node->name == nullptr) return "none";
+  if (node == nullptr || node->name == nullptr) {
+    return "none";
+  }
   std::string text = node->name;
   for (const char** pair = node->attr; *pair != nullptr; pair += 2) {
     text += (pair == node->attr ? "{" : "") + std::string(pair[0]) + "=" + pair[1] + ";";

@@ -168,8 +168,12 @@ TEST(Utf16, GrowsByHalf) {
 TEST(Depth, IsNoMatterOfStack) {
   constexpr std::size_t kDepth = 100000;
   std::string text;
-  for (std::size_t i = 0; i < kDepth; ++i) text += "<a>";
-  for (std::size_t i = 0; i < kDepth; ++i) text += "</a>";
+  for (std::size_t i = 0; i < kDepth; ++i) {
+    text += "<a>";
+  }
+  for (std::size_t i = 0; i < kDepth; ++i) {
+    text += "</a>";
+  }
   Parsed document(text);
   EXPECT_EQ(document.error(), "");
   EXPECT_EQ(written(document.node()), text);

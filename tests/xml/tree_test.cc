@@ -65,7 +65,9 @@ TEST(Write, NamesARepeatedAttributeOnce) {
   std::string want = tag;
   for (int i = 0; i < 50; ++i) {
     tag += " b" + std::to_string(i % 40) + "='" + std::to_string(i) + "'";
-    if (i < 40) want += " b" + std::to_string(i) + "=\"" + std::to_string(i) + "\"";
+    if (i < 40) {
+      want += " b" + std::to_string(i) + "=\"" + std::to_string(i) + "\"";
+    }
   }
   EXPECT_EQ(written(Parsed(tag + "/>").node()), want + "></a>");
 }
@@ -185,9 +187,30 @@ TEST(Edit, AddsAndCutsChildren) {
   EXPECT_EQ(groups(document.node()), "c|b");
 }
 
+// What stands before an element is known in both lists, whatever was added or cut around it.
+TEST(Edit, CutsWhatWasAddedInAnyOrder) {
+  const std::string text = "<a><b>0</b>1<c>0</c>2<b>1</b><b>2</b><c>1</c></a>";
+  for (unsigned order = 0; order != 4 * 3 * 2; ++order) {
+    Parsed document(text);
+    XmlNode* a = document.node();
+    std::vector<XmlNode*> added = {addChild(a, "c", 0), addChild(a, "d", 1), addChild(a, "b", 0),
+                                   addChild(a, "d", 0)};
+    EXPECT_EQ(groups(a), "b0,b,b1,b2|c,c0,c1|d,d") << written(a);
+    for (unsigned left = 4, rest = order; left != 0; --left) {
+      cut(added[rest % left]);
+      added.erase(added.begin() + rest % left);
+      rest /= left;
+    }
+    EXPECT_EQ(written(a), text) << order;
+    EXPECT_EQ(groups(a), "b0,b1,b2|c0,c1") << order;
+  }
+}
+
 TEST(Edit, BuildsATree) {
   Parsed document("<a/>");
-  for (int i = 0; i < 1000; ++i) setText(addChild(document.node(), "b", 0), "x");
+  for (int i = 0; i < 1000; ++i) {
+    setText(addChild(document.node(), "b", 0), "x");
+  }
   XmlNode* last = get(document.node(), {{"b", 999}});
   setAttr(addChild(last, "c", 1), "d", "e");
   EXPECT_EQ(written(last), "<b>x<c d=\"e\"></c></b>");
