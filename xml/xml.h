@@ -32,8 +32,8 @@ constexpr uint8_t kAttributesAllocated = 0x20;
 // One element. `name` is nullptr only in the root of a document without any element.
 struct XmlNode {
   const char* name;
-  // Name, value, name, value, ..., nullptr, then one text with a byte per attribute that says who owns
-  // the pair. Elements without attributes share one constant empty array.
+  // Name, value, name, value, ..., nullptr, then one text with a byte per attribute that says who
+  // owns the pair. Elements without attributes share one constant empty array.
   const char** attr;
   const char* txt;  // all character data of the element itself, "" when none
   size_t off;       // bytes of the parent's txt that stand before this element
@@ -56,8 +56,8 @@ struct XmlRoot {
   char* s;           // first byte of the data, after any conversion
   char* e;           // one past its last byte; data ends early at a NUL byte
   const char** ent;  // general entities: name with its ";", replacement, ..., nullptr
-  // Declared defaults: a list {element, attribute, value, "*" or " " (CDATA), ..., nullptr} for each
-  // element, then nullptr.
+  // Declared defaults: a list {element, attribute, value, "*" or " " (CDATA), ..., nullptr} for
+  // each element, then nullptr.
   const char*** attr;
   // Instructions: a list {target, text, ..., nullptr, '<' (before root) or '>' for each text} for
   // each target, then nullptr.
@@ -73,9 +73,9 @@ struct Step {
 };
 
 // Reads and parses a whole file; the buffer is the document's. nullptr when it cannot be opened.
-// Whatever else goes wrong is in `err`: a file that is empty, unreadable or too large for the memory
-// there is gives a document without elements and "root tag missing". The caller ends the document
-// with freeDoc.
+// Whatever else goes wrong is in `err`: a file that is empty, unreadable or too large for the
+// memory there is gives a document without elements and "root tag missing". The caller ends the
+// document with freeDoc.
 XmlRoot* parseFile(const char* path);
 
 // The same on an open file, read from where it stands; it stays open. nullptr for a negative
@@ -87,8 +87,8 @@ XmlRoot* parseFd(int fd);
 XmlRoot* parseStream(FILE* stream);
 
 // Parses `length` bytes in place. The buffer needs no spare byte. It stays the caller's, who
-// releases it after freeDoc, or sets `len` to -1 so that freeDoc does it with free(). Never nullptr:
-// on malformed input `err` is set and the elements read up to there form the tree.
+// releases it after freeDoc, or sets `len` to -1 so that freeDoc does it with free(). Never
+// nullptr: on malformed input `err` is set and the elements read up to there form the tree.
 XmlRoot* parseStr(char* data, size_t length);
 
 // First child element of that name, or nullptr.
@@ -103,8 +103,8 @@ XmlNode* idx(XmlNode* node, int n);
 const char* attr(const XmlNode* node, const char* name);
 
 // Walks down from `node`, one child per step, to nullptr or the last one's element. The steps end
-// with the list or at an empty name or none; a negative index takes the first child of that name and
-// ends there.
+// with the list or at an empty name or none; a negative index takes the first child of that name
+// and ends there.
 XmlNode* get(XmlNode* node, std::initializer_list<Step> steps);
 // The same with an array; its last step has an empty name or none.
 XmlNode* get(XmlNode* node, const Step* steps);
@@ -115,15 +115,15 @@ XmlNode* get(XmlNode* node, const Step* steps);
 XmlNode* setText(XmlNode* node, const char* text);
 
 // Replaces an attribute's value, appends a new attribute, or removes it, however often the element
-// carries it, when the value is nullptr. Name and value are not copied: they must outlive the last use
-// of the tree, unless kAttributesAllocated was set in the node before the call, which hands both
-// over, the name of a removed attribute too. Returns the node.
+// carries it, when the value is nullptr. Name and value are not copied: they must outlive the last
+// use of the tree, unless kAttributesAllocated was set in the node before the call, which hands
+// both over, the name of a removed attribute too. Returns the node.
 XmlNode* setAttr(XmlNode* node, const char* name, const char* value);
 
 // Makes a child without attributes and text that stands `off` bytes into the parent's text, behind
 // the children already there. The name is not copied: it must outlive the last use of the tree,
-// unless kNameAllocated is set in the element afterwards, which hands it over. The document owns the
-// new element, which is returned.
+// unless kNameAllocated is set in the element afterwards, which hands it over. The document owns
+// the new element, which is returned.
 XmlNode* addChild(XmlNode* parent, const char* name, size_t off);
 
 // Takes an element with its subtree out of its parent's lists. It keeps its document, which still

@@ -39,7 +39,7 @@ TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
       {post("cmd_id=8&action=1"), counters},
       {post("cmd_id=8&x=" + std::string(kMaxForm - 11, 'y')), counters},
       {announced("8", "cmd_id=8888"), counters},
-      {announced("10", "cmd_id=8"), refused, "the form ends 2 bytes before its announced 10"},
+      {announced("10", "cmd_id=8"), refused, "command 8: the form ends 2 bytes before its announced length of 10"},
       {announced(largest, "cmd_id=8"), refused, "a form of 1048577" + tooLong},
       {announced("-1", "cmd_id=8"), refused, "a form of 4294967295" + tooLong},
       {announced("99999999999999999999", "x"), refused, "a form of 2147483647" + tooLong},
