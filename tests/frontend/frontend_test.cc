@@ -5,6 +5,7 @@
 
 #include "frontend/cgi_log.h"
 #include "frontend/query.h"
+#include "frontend/response.h"
 #include "tests/support/unit.h"
 
 namespace onu::test {
@@ -101,6 +102,15 @@ TEST(Query, IsSearchedAsPlainText) {
     EXPECT_EQ(name.empty() ? numbers : getParam(query, name), want) << name << " in " << text;
     EXPECT_EQ(query.text + getParam(query, ""), text);
   }
+}
+
+TEST(JsonFields, KeepTheLastValueOfAKey) {
+  JsonFields fields;
+  EXPECT_EQ(toJsonObject(fields), "{}");
+  for (const char* key : {"b", "c", "a", "b", "c"}) {
+    fields[key] += key;
+  }
+  EXPECT_EQ(toJsonObject(fields), "{a:\"a\",b:\"bb\",c:\"cc\"}");
 }
 
 // One test, since the log keeps its file open for the life of the process.
