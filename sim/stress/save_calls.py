@@ -3,10 +3,13 @@
 import collections
 import os
 import re
+import tarfile
 
 from calls import failing
 from saves import damage, in_peace
 from unit import SAVES, Request, incomplete, names, read, reset, settings, write
+
+EXPORT = "/var/tevo/website/www/xml/xml_config.tar"
 
 
 def calls_of_a_save(query):
@@ -92,6 +95,10 @@ def stage_save_calls(options):
         if not new_files:
             wrong.append(f"{query}: no new file is made")
             found["no new file"] += 1
+        Request("cmd_id=10").run()
+        with tarfile.open(EXPORT) as archive:
+            if hidden := [name for name in archive.getnames() if "/." in name]:
+                wrong.append(f"{query}: {hidden} is exported")
         for put in (put_file, put_unreadable, os.mkdir, put_link):
             for path in new_files:
                 reset()
