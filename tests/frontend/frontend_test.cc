@@ -6,6 +6,7 @@
 #include "frontend/cgi_log.h"
 #include "frontend/query.h"
 #include "frontend/response.h"
+#include "frontend/web_data_comm.h"
 #include "tests/support/unit.h"
 
 namespace onu::test {
@@ -102,6 +103,18 @@ TEST(Query, IsSearchedAsPlainText) {
     EXPECT_EQ(name.empty() ? numbers : getParam(query, name), want) << name << " in " << text;
     EXPECT_EQ(query.text + getParam(query, ""), text);
   }
+}
+
+TEST(WebDataComm, SaysWhatIsMissing) {
+  ::clearenv();
+  WebDataComm& web = WebDataComm::getInstance();
+  std::uint32_t length = 0;
+  RequestMethod method{};
+  ContentType type{};
+  std::string text;
+  EXPECT_EQ(web.readRequestMethod(length, method), -1);
+  EXPECT_EQ(web.readContentType(type), -1);
+  EXPECT_EQ(web.readRequestText(text), -1);
 }
 
 TEST(JsonFields, KeepTheLastValueOfAKey) {
