@@ -117,6 +117,14 @@ TEST(WebDataComm, SaysWhatIsMissing) {
   EXPECT_EQ(web.readRequestText(text), -1);
 }
 
+TEST(ResponseWriter, PrintsAContentType) {
+  testing::internal::CaptureStdout();
+  ResponseWriter().printContentType("");
+  ResponseWriter().printContentType("a/b");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "Content-Type: text/html\r\nContent-Type: a/b\r\n");
+}
+
 TEST(JsonFields, KeepTheLastValueOfAKey) {
   JsonFields fields;
   EXPECT_EQ(toJsonObject(fields), "{}");
