@@ -444,7 +444,8 @@ class ConsoleTest(unittest.TestCase):
 
         self.open("counters")
         self.shows("#swRegAckFrames", "1")
-        self.server.stop()
+        self.server.process.kill()  # nothing of it may stay and keep the unit
+        self.server.process.communicate()
         self.shows("#notice", "does not answer")
         self.server.write(COUNTERS, ("[sw_m 1 ", "[sw_m 77 "))
         self.server.start()
