@@ -261,6 +261,15 @@ class ConsoleTest(unittest.TestCase):
         self.server.write("optical_module.registers", ("-17.62", "-30.00"))
         self.addCleanup(self.server.write, "optical_module.registers", ("-30.00", "-17.62"))
         self.shows(".reading", "−30.00", "alarm", "−30.00 to −17.62 dBm")
+        seen = self.page.current_window_handle
+        self.page.switch_to.new_window("tab")  # hides the page, which then reads no more
+        time.sleep(1)
+        reads = self.server.file("record/i2c")
+        time.sleep(5)
+        self.assertEqual(self.server.file("record/i2c"), reads)
+        self.page.close()
+        self.page.switch_to.window(seen)
+        self.until(lambda: self.server.file("record/i2c") != reads)
         self.page.execute_script("location.hash = 'counters'")
         self.shows("#rxDataFrames", "631 793")
         self.until(lambda: "0 f/s" in self.text("#rxDataFrames"))
