@@ -72,8 +72,7 @@ class Server:
 
     def stop(self):
         self.process.terminate()
-        self.process.stdout.read()
-        self.process.wait(timeout=20)
+        self.process.communicate(timeout=20)
 
     def get(self, path):
         """Status and body of exactly this path."""
