@@ -42,6 +42,12 @@ void printLine(std::string_view text) {
   line.writeTo(STDOUT_FILENO);
 }
 
+void printErrorLine(std::string_view text) {
+  Line line;
+  line.add(text);
+  line.writeTo(STDERR_FILENO);
+}
+
 void complain(std::initializer_list<std::string_view> parts) {
   Line line;
   line.add(program_invocation_short_name);

@@ -24,6 +24,9 @@ class BrokenPipeGuard {
 // matter.
 void printLine(std::string_view text);
 
+// The same on standard error, for messages that have a form of their own.
+void printErrorLine(std::string_view text);
+
 // Says on standard error, the log of the web server, what failed on what: a line of the parts
 // behind "onu-cgi: command 5: ", without the command while that is not known. Takes no memory, so
 // it works when there is none. At most 6 parts.

@@ -19,12 +19,16 @@ constexpr time_t kPatience = 10;  // seconds
 
 bool g_held = false;
 
-// Waits in the kernel, which serves those who wait in the order in which they came; an alarm ends
-// it. The alarm repeats, since the first one may come before the wait has begun.
+// Waits in the kernel until an alarm ends it. The alarm repeats, since the first one may come
+// before the wait has begun, and whoever started this process may have blocked it.
 bool waitFor(int folder) {
   struct sigaction onAlarm {};
   onAlarm.sa_handler = [](int) {};
   ::sigaction(SIGALRM, &onAlarm, nullptr);
+  sigset_t alarms;
+  ::sigemptyset(&alarms);
+  ::sigaddset(&alarms, SIGALRM);
+  ::sigprocmask(SIG_UNBLOCK, &alarms, nullptr);
   const itimerval alarm = {{1, 0}, {kPatience, 0}};
   ::setitimer(ITIMER_REAL, &alarm, nullptr);
   const bool got = ::flock(folder, LOCK_EX) == 0;

@@ -5,7 +5,8 @@
 // Starts the programs one after another, ROUNDS times over, each with just the environment given,
 // FILE in a pipe as its standard input (none without it) and a pipe as its standard output. Prints
 // a line per program: median and least wall time and median processor time in microseconds, its
-// resident and anonymous memory at the exit and its peak of resident memory, in KiB.
+// resident and anonymous memory at the exit and its peak of resident memory, in KiB, and its page
+// faults.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -35,6 +36,7 @@ struct Program {
   std::vector<char*> arguments;
   std::vector<double> wall;  // microseconds
   std::vector<double> cpu;
+  long faults = 0;  // of the last run
 };
 
 struct Memory {
@@ -142,6 +144,7 @@ void runOnce(Program& program, std::string_view input, const Pipe& output) {
   }
   output.drain();
   program.wall.push_back(wall.count());
+  program.faults = usage.ru_minflt + usage.ru_majflt;
   program.cpu.push_back(microseconds(usage.ru_utime) + microseconds(usage.ru_stime));
 }
 
@@ -222,8 +225,9 @@ int main(int argc, char** argv) {
   for (Program& program : programs) {
     const Memory memory = measureMemory(program, input, output);
     const double least = *std::min_element(program.wall.begin(), program.wall.end());
-    std::printf("%.1f %.1f %.1f %ld %ld %ld\n", median(program.wall), least, median(program.cpu),
-                memory.resident, memory.anonymous, memory.peak);
+    std::printf("%.1f %.1f %.1f %ld %ld %ld %ld\n", median(program.wall), least,
+                median(program.cpu), memory.resident, memory.anonymous, memory.peak,
+                program.faults);
   }
   return programs.empty() ? 2 : 0;
 }

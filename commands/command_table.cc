@@ -18,7 +18,7 @@
 namespace onu {
 namespace {
 
-// The same whatever the action is; it only reads.
+// The same whatever the action is. It changes nothing, unless the row says so.
 constexpr Command always(std::int32_t number, Processor process) {
   return {number, process, process, process, Changes::kNothing};
 }

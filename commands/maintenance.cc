@@ -3,24 +3,21 @@
 #include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <string>
 
 #include "base/fd.h"
 #include "base/message.h"
 #include "base/number.h"
+#include "config/paths.h"
 #include "device/shell.h"
+#include "frontend/upload.h"
 
 namespace onu {
 namespace {
 
 constexpr const char* kReboot = "/sbin/reboot";
-constexpr const char* kTakeMainSettings =
-    "cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/tevo_xml_cfg_file.xml";
-constexpr const char* kRestoreMainSettings =
-    "/bin/cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  "
-    "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml";
-
-void run(std::initializer_list<const char*> commands) {
-  for (const char* const command : commands) {
+void run(std::initializer_list<std::string> commands) {
+  for (const std::string& command : commands) {
     runShell(command);
   }
 }
@@ -44,7 +41,7 @@ void replyBeforeWork(const ResponseWriter& reply) {
 }
 
 // The other order: the reply stands untouched behind the output of the tools.
-void replyAfterWork(const ResponseWriter& reply, std::initializer_list<const char*> commands) {
+void replyAfterWork(const ResponseWriter& reply, std::initializer_list<std::string> commands) {
   const Fd output(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
   if (output) {
     muteTools();
@@ -70,7 +67,7 @@ constexpr std::array kImages = {
 void flash(const Image& image) {
   const std::string file = image.file;
   const std::string partition = image.partition;
-  runShell("mv /tmp/recFile  " + file);
+  runShell(std::string("mv ") + kUploadPath + "  " + file);
   runShell("/usr/sbin/flash_unlock " + partition + " ");
   runShell("/usr/sbin/flash_erase " + partition + " 0 0 ");
   runShell("/bin/dd if=" + file + " of=" + partition);
@@ -81,8 +78,8 @@ void flash(const Image& image) {
 // then.
 void upgradeFiles() {
   run({"rm -rf /tmp/jffs2_fs.tar.gz", "rm -r /tmp/jffs2_fs.tar.gz",
-       "mv /tmp/recFile  /tmp/jffs2_fs.tar.gz", "cp /tmp/jffs2_fs.tar.gz  /var/",
-       "/var/tevo/upgrade.sh"});
+       std::string("mv ") + kUploadPath + "  /tmp/jffs2_fs.tar.gz",
+       "cp /tmp/jffs2_fs.tar.gz  /var/", "/var/tevo/upgrade.sh"});
 }
 
 }  // namespace
@@ -94,7 +91,8 @@ void exportConfiguration(WebRequest& request) {
 void importConfiguration(WebRequest& request) {
   replyAfterWork(
       request.reply,
-      {"mv /tmp/recFile /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings,
+      {std::string("mv ") + kUploadPath + " /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ",
+       std::string("cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  ") + kMainSettingsPath,
        "cp -rf /tmp/xml_config/*.*  /etc/xml_params/",
        // The main settings have their place with the pages; no second copy is to stay behind.
        "rm -rf /etc/xml_params/tevo*.*", "rm -rf /tmp/xml_config", "rm -f /tmp/xml_in.tar"});
@@ -108,7 +106,8 @@ void rebootUnit(WebRequest& request) {
 void restoreDefaults(WebRequest& request) {
   replyBeforeWork(request.reply);
   run({"/bin/cp -f /var/tevo/xml_default/*.*  /etc/xml_params/",
-       "rm -f /var/xml_params/tevo_xml_cfg_file.xml", kRestoreMainSettings, kReboot});
+       "rm -f /var/xml_params/tevo_xml_cfg_file.xml",
+       std::string("/bin/cp -f ") + kFactorySettingsPath + "  " + kMainSettingsPath, kReboot});
 }
 
 void upgradeFirmware(WebRequest& request) {

@@ -68,7 +68,8 @@ class ConfigData {
 
   int getIpInfo(IpInfo& info) const;
   // Stores address and mask, when one of them has changed. -1 also, with nothing read, when either
-  // is shorter than 8 characters; their form is not checked.
+  // is shorter than 8 characters; their form is not checked. -1 also, with a message on standard
+  // output, when either has no element.
   int setIpInfo(const IpInfo& info) const;
   // -1 also, with a message on standard output, when there is no onu_mac to set.
   int setMac(const std::string& mac) const;

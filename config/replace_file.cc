@@ -17,10 +17,11 @@
 namespace onu {
 namespace {
 
-// The new file, beside the one that it replaces and hidden from whatever copies "*.*". It has one
-// name, so a killed writer leaves one at the most, and the next writer takes that over. Two writers
-// would share it: the holder of the unit's lock is alone with the first name, and those that had to
-// go on without the lock take turns at the second one.
+// The new file, beside the one that it replaces and hidden from whatever copies "*.*". Its name is
+// fixed, so a killed writer leaves one at the most, and the next writer takes that over. Two
+// writers would share it: the holder of the unit's lock is alone with the first name, and those
+// that had to go on without the lock take turns at the second one, where a stale file waits for the
+// next such.
 constexpr const char* kFreshName = ".onu-save";
 constexpr const char* kUnlockedFreshName = ".onu-save-unlocked";
 
@@ -72,9 +73,10 @@ ReplaceableFile::ReplaceableFile(const char* path, int flags)
   if (!file_ && errno == ELOOP) {
     file_ = Fd::open(path, flags);
     std::array<char, PATH_MAX> target;
-    if (file_ && ::realpath(path, target.data()) != nullptr) {
-      target_ = target.data();
+    if (file_ && ::realpath(path, target.data()) == nullptr) {
+      file_ = Fd();
     }
+    target_ = file_ ? target.data() : path;
   }
   if (file_ && ::fstat(file_.get(), &state_) != 0) {
     file_ = Fd();
@@ -126,12 +128,12 @@ bool ReplaceableFile::takeAttributes(const Fd& fresh) const {
   if (::fstat(fresh.get(), &given) != 0) {
     return false;
   }
-  // The owner first: a change of it clears bits of the mode.
-  if ((given.st_uid != state_.st_uid || given.st_gid != state_.st_gid) &&
-      ::fchown(fresh.get(), state_.st_uid, state_.st_gid) != 0) {
+  const bool owned = given.st_uid == state_.st_uid && given.st_gid == state_.st_gid;
+  if (!owned && ::fchown(fresh.get(), state_.st_uid, state_.st_gid) != 0) {
     return false;
   }
-  return given.st_mode == state_.st_mode ||
+  // A change of the owner has cleared bits of the mode perhaps.
+  return (owned && given.st_mode == state_.st_mode) ||
          ::fchmod(fresh.get(), state_.st_mode & kPermissions) == 0;
 }
 

@@ -20,13 +20,13 @@ class ReplaceableFile {
 
   bool isOpen() const { return static_cast<bool>(file_); }
   int fd() const { return file_.get(); }
-  std::size_t size() const { return static_cast<std::size_t>(state_.st_size); }
+  off_t size() const { return state_.st_size; }  // in bytes, when it was opened
 
   // Puts a new file with `text`, and the old one's owner, group and mode, into its place, once it
   // is on the medium. Where the folder takes no new file, or none of that owner, or the file is a
-  // mount point or none of text at all, the text is written into the file itself. Where there is no
-  // room for a second text, or writing it fails, the file keeps the old one; the reason goes to
-  // standard error, as for a file that is not open.
+  // mount point or none of text at all, the text is written into the file itself, which then has no
+  // old text to keep. Where there is no room for a second text, or writing it fails, the file keeps
+  // the old one; the reason goes to standard error, as for a file that is not open.
   void replace(std::string_view text) const;
 
  private:

@@ -1,6 +1,7 @@
 #include "config/settings_file.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -10,10 +11,12 @@
 namespace onu {
 namespace {
 
+// As xml::parseFile does, with the length that is known already.
 xml::XmlRoot* parse(const ReplaceableFile& file) {
-  auto* const data = static_cast<char*>(std::malloc(file.size() + 1));
-  const std::size_t size = data == nullptr ? 0 : readFully(file.fd(), data, file.size());
-  xml::XmlRoot* const root = xml::parseStr(data, size);
+  const std::size_t size = file.size() < PTRDIFF_MAX ? static_cast<std::size_t>(file.size()) : 0;
+  auto* const data = static_cast<char*>(std::malloc(size + 1));
+  const std::size_t got = data == nullptr ? 0 : readFully(file.fd(), data, size);
+  xml::XmlRoot* const root = xml::parseStr(data, got);
   root->len = -1;  // the document releases the data
   return root;
 }

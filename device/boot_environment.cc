@@ -30,13 +30,13 @@ bool findMac(std::string_view output, std::string& mac) {
 }  // namespace
 
 int readBootloaderMac(std::string& mac) {
-  runShell("fw_printenv mv_pon_addr >/tmp/mac.txt ");
+  runShell(std::string("fw_printenv ").append(kVariable) + " >" + kOutputPath + " ");
   std::string output;
   if (readStatusFile(kOutputPath, output) != 0) {
     return -1;
   }
   const bool found = findMac(output, mac);
-  runShell("rm /tmp/mac.txt");
+  runShell(std::string("rm ") + kOutputPath);
   return found ? 0 : -1;
 }
 

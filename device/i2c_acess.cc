@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/fd.h"
+#include "base/message.h"
 #include "device/smbus.h"
 
 namespace onu {
@@ -30,8 +31,8 @@ I2cAcess::I2cAcess(std::string path) : path_(std::move(path)) {
   const Fd bus = Fd::open(path_.c_str(), O_RDWR);
   if (!bus) {
     const int error = errno;
-    writeFully(STDERR_FILENO, "In this SFU could not open I2C bus file " + path_ + ", " +
-                                  std::strerror(error) + "(" + std::to_string(error) + ")\n");
+    printErrorLine("In this SFU could not open I2C bus file " + path_ + ", " +
+                   std::strerror(error) + "(" + std::to_string(error) + ")");
     return;
   }
   probe(bus.get());

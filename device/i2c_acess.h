@@ -19,6 +19,7 @@ enum class I2cReadMode : std::int32_t { kByte = 1, kBlock = 2 };
 
 // The diagnostics page of the optical module (SFF-8472, bus address 0x51). The bus is open only
 // during a call.
+// The name is kept as its callers know it.
 class I2cAcess {
  public:
   // Wakes the module with one read whose result is ignored. A bus at `path` that cannot be opened

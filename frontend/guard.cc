@@ -1,7 +1,6 @@
 #include "frontend/guard.h"
 
 #include <array>
-#include <cstdint>
 #include <string_view>
 
 namespace onu {

@@ -7,6 +7,9 @@
 
 namespace onu {
 
+// Where the commands that work on an uploaded file expect it.
+constexpr const char* kUploadPath = "/tmp/recFile";
+
 // Takes the first file out of a multipart/form-data body as the body arrives, in constant memory.
 //
 // The body starts with its boundary line. The first "filename=" anywhere behind it begins the file,

@@ -9,7 +9,6 @@
 #include "base/debug_trace.h"
 #include "base/fd.h"
 #include "base/number.h"
-#include "frontend/query.h"
 #include "frontend/upload.h"
 
 namespace onu {
@@ -17,35 +16,18 @@ namespace {
 
 constexpr std::uint32_t kMaxUpload = 0x1000000;  // bytes
 
-// Grows with what arrives: the announced length is the client's claim, not a size to allocate.
-std::string readBody(std::uint32_t length) {
-  constexpr std::size_t kStep = 4096;
-  std::string body;
-  while (body.size() < length) {
-    const std::size_t before = body.size();
-    const std::size_t want = std::min<std::size_t>(length - before, std::max(before, kStep));
-    body.resize(before + want);
-    const std::size_t got = readFully(STDIN_FILENO, &body[before], want);
-    if (got < want) {
-      body.resize(before + got);
-      break;
-    }
-  }
-  return body;
-}
-
 }  // namespace
 
-WebDataComm::WebDataComm() { debugTrace("WebDataComm  getInstance is starting !"); }
+WebDataComm::WebDataComm() {
+  debugTrace("WebDataComm  getInstance is starting !");
+  if (const char* const text = std::getenv("QUERY_STRING")) {
+    query_ = text;
+  }
+}
 
 WebDataComm& WebDataComm::getInstance() {
   static WebDataComm instance;
   return instance;
-}
-
-std::string_view WebDataComm::queryString() {
-  const char* const text = std::getenv("QUERY_STRING");
-  return text == nullptr ? std::string_view() : std::string_view(text);
 }
 
 int WebDataComm::readRequestMethod(std::uint32_t& length, RequestMethod& method) const {
@@ -62,7 +44,7 @@ int WebDataComm::readRequestMethod(std::uint32_t& length, RequestMethod& method)
     }
   } else if (verb == "GET") {
     method = RequestMethod::kGet;
-    length = static_cast<std::uint32_t>(queryString().size());
+    length = static_cast<std::uint32_t>(query_.size());
   }
   return 0;
 }
@@ -75,12 +57,13 @@ int WebDataComm::readRequestText(std::string& text) {
   }
   text.clear();
   if (method == RequestMethod::kPost) {
-    text = readBody(length);
+    text.resize(length);
+    text.resize(readFully(STDIN_FILENO, text.data(), length));
     missing_ = length - text.size();
     text.resize(std::min(text.find('\0'), text.size()));
     debugTrace("  method = post");
   } else if (method == RequestMethod::kGet) {
-    text = queryString();
+    text = query_;
     debugTrace("  method = get");
   }
   return 0;

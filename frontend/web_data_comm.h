@@ -23,8 +23,8 @@ class WebDataComm {
   int readRequestMethod(std::uint32_t& length, RequestMethod& method) const;
 
   // The query string of a GET or the body of a POST, up to its first zero byte. A body that ends
-  // before its announced length is taken as far as it goes, and memory is taken for no more than
-  // that; missingBytes() tells. -1 when the method cannot be read.
+  // before its announced length is taken as far as it goes; missingBytes() tells. -1 when the
+  // method cannot be read.
   int readRequestText(std::string& text);
 
   // By how many bytes the body that readRequestText has read was shorter than announced.
@@ -34,20 +34,19 @@ class WebDataComm {
   int readContentType(ContentType& type) const;
 
   // QUERY_STRING, empty when it is not set; the environment's own text.
-  static std::string_view queryString();
+  std::string_view queryString() const { return query_; }
 
   // Stores the file of a multipart/form-data body at `path`. -1 for an empty body or one above
   // 16 MiB (`path` is then not touched), and when `path` cannot be written or the body is shorter
   // than announced (`path` then holds what came until then).
   int receiveFile(const char* path);
 
-  // Where the last received file would lie by its client's name: "/var/" and the name's end. For
-  // diagnosis only, it decides nothing.
-  const char* storedName() const { return area_.data(); }
-
  private:
   WebDataComm();
 
+  std::string_view query_;
+  // Where the last received file would lie by its client's name: "/var/" and the name's end. For
+  // diagnosis only, it decides nothing.
   std::array<char, 256> area_{};
   std::size_t missing_ = 0;
 };

@@ -2,8 +2,12 @@
 
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <stdexcept>
 #include <string>
@@ -13,6 +17,7 @@
 #include "commands/command_table.h"
 #include "frontend/guard.h"
 #include "frontend/request_process.h"
+#include "frontend/upload.h"
 #include "frontend/web_data_comm.h"
 
 namespace {
@@ -20,63 +25,79 @@ namespace {
 using onu::complain;
 using onu::WebDataComm;
 
-constexpr const char* kUploadPath = "/tmp/recFile";  // where import and upgrade expect their file
 constexpr const char* kPartialPath = "/tmp/.recFile";
 constexpr std::uint32_t kMaxForm = 1024 * 1024;  // bytes of a form body
-constexpr int kBadRequest = 400;
 #ifdef ONU_GUARD
 constexpr bool kGuarded = true;
 #else
-constexpr bool kGuarded = false;
+constexpr bool kGuarded = false;  // any text may become a command: that is the interface
 #endif
 
+// The three below return why the request is not carried out, nothing when it is.
+
 // What cannot be a whole form is refused: cut short it is another request, and the unit's memory
-// belongs to the commands. Says why on standard error.
-bool readForm(WebDataComm& web, std::string& text) {
+// belongs to the commands.
+std::string readForm(WebDataComm& web, std::string& text) {
   std::uint32_t length = 0;
   auto method = onu::RequestMethod::kNone;
   if (web.readRequestMethod(length, method) != 0) {
-    complain({"REQUEST_METHOD is not set"});
-    return false;
+    return "REQUEST_METHOD is not set";
   }
   if (method == onu::RequestMethod::kPost && length > kMaxForm) {
-    complain({"a form of ", std::to_string(length), " bytes is announced, at most ",
-              std::to_string(kMaxForm), " are taken"});
-    return false;
+    return "a form of " + std::to_string(length) + " bytes is announced, at most " +
+           std::to_string(kMaxForm) + " are taken";
   }
   web.readRequestText(text);
   if (web.missingBytes() != 0) {
-    complain({"the form ends ", std::to_string(web.missingBytes()), " bytes before its announced ",
-              std::to_string(length)});
+    return "the form ends " + std::to_string(web.missingBytes()) +
+           " bytes before its announced length of " + std::to_string(length);
   }
-  return web.missingBytes() == 0;
+  return {};
 }
 
-// Without the guard any text may become a command: that is the interface.
-bool isAllowed(const std::string& text) {
-  if (!kGuarded || onu::isHarmless(text)) {
-    return true;
+std::string readText(WebDataComm& web, bool upload, std::string& text) {
+  if (!upload) {
+    const std::string failure = readForm(web, text);
+    if (!failure.empty()) {
+      return failure;
+    }
+  } else {
+    text = web.queryString();
   }
-  complain({"the request holds what a shell would act on"});
-  return false;
+  return kGuarded && !onu::isHarmless(text) ? "the request holds what a shell would act on" : "";
 }
 
 // Stores the file of an upload, whole or not at all: it has its name when it is complete, and
 // neither an old nor a partial one may ever reach an import or an upgrade. Nobody else may receive
 // one at the same time; who had to go on without the lock cannot know that.
-bool receiveUpload(WebDataComm& web) {
+std::string receiveUpload(WebDataComm& web) {
   onu::takeUnitLock();
   if (!onu::unitLockHeld()) {
-    complain({"no upload is received beside another request"});
-    return false;
+    return "no upload is received beside another request";
   }
-  ::unlink(kUploadPath);
-  if (web.receiveFile(kPartialPath) != 0 || std::rename(kPartialPath, kUploadPath) != 0) {
-    complain({"the upload was not received whole"});
-    ::unlink(kPartialPath);
-    return false;
+  std::signal(SIGXFSZ, SIG_IGN);  // beyond a limit of file sizes the write is to fail
+  ::unlink(onu::kUploadPath);
+  errno = 0;
+  if (web.receiveFile(kPartialPath) == 0 && std::rename(kPartialPath, onu::kUploadPath) == 0) {
+    return {};
   }
-  return true;
+  const int error = errno;
+  ::unlink(kPartialPath);
+  return std::string("no upload was received: ") +
+         (error != 0 ? std::strerror(error) : "empty, over 16 MiB or shorter than announced");
+}
+
+void nameCommand(const std::string& text) {
+  onu::ParsedQuery query;
+  onu::parseQuery(query, text);
+  onu::setCommandOfComplaints(query.commandNumber);
+}
+
+bool refuse(const onu::ResponseWriter& reply, std::string_view message, const std::string& why) {
+  constexpr int kBadRequest = 400;
+  complain({why});
+  reply.sendErrorPage(kBadRequest, message);
+  return false;
 }
 
 // Fills `text` with what is to be dispatched: of an upload the query string of its URL. False when
@@ -86,18 +107,16 @@ bool readRequest(const onu::ResponseWriter& reply, std::string& text) {
   auto type = onu::ContentType::kForm;
   web.readContentType(type);
   const bool upload = type == onu::ContentType::kMultipart;
-  if (upload) {
-    text = WebDataComm::queryString();
+  const std::string refused = readText(web, upload, text);
+  if (refused.empty() && !upload) {
+    return true;
   }
-  if ((!upload && !readForm(web, text)) || !isAllowed(text)) {
-    reply.sendErrorPage(kBadRequest, "read request fail");
-    return false;
+  nameCommand(text);
+  if (!refused.empty()) {
+    return refuse(reply, "read request fail", refused);
   }
-  if (upload && !receiveUpload(web)) {
-    reply.sendErrorPage(kBadRequest, "receive file fail");
-    return false;
-  }
-  return true;
+  const std::string lost = receiveUpload(web);
+  return lost.empty() || refuse(reply, "receive file fail", lost);
 }
 
 }  // namespace

@@ -29,7 +29,9 @@ void storeMac(const std::string& mac) {
   // The factory file replaces the settings just written: the unit starts from it with the new
   // address in the bootloader environment.
   if (onu::ConfigData::getInstance().setMac(mac) == 0) {
-    runShell(std::string("cp -f ") + onu::kFactorySettingsPath + "  /var/tevo/website/www/xml/");
+    const std::string settings = onu::kMainSettingsPath;
+    runShell(std::string("cp -f ") + onu::kFactorySettingsPath + "  " +
+             settings.substr(0, settings.rfind('/') + 1));
   }
   printLine("mv_pon_addr =" + mac);
 }

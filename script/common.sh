@@ -39,7 +39,7 @@ build_preset() (
 )
 
 # Builds the release preset's programs and the optical module, without tests unless script/test has
-# configured them. Shows what is compiled; arguments go to ninja.
+# configured them: "progress" shows what is compiled, "quiet" only what fails.
 build_unit() (
   cd "$root" && mkdir -p build || exit 1
   tests=$(sed -n 's/^ONU_TESTS:BOOL=//p' build/release/CMakeCache.txt 2>/dev/null || true)
@@ -47,5 +47,6 @@ build_unit() (
     cat build/release.log >&2
     exit 1
   fi
-  cmake --build --preset release --target onu-cgi onu-init optical-module -- "$@"
+  [ "$1" = progress ] && options=() || options=(--quiet)
+  cmake --build --preset release --target onu-cgi onu-init optical-module -- "${options[@]}"
 )

@@ -1,6 +1,6 @@
 // Export, import, upgrade, reboot and factory defaults (commands 10, 21, 11, 18).
 import { card, confirm, h, status } from './page.js';
-import { command, read, sendFile, valuesOf } from './unit.js';
+import { command, ping, read, sendFile, valuesOf } from './unit.js';
 import { failure } from './settings.js';
 
 const kArchive = '/xml/xml_config.tar';
@@ -12,16 +12,13 @@ async function waitForUnit(line) {
   let away = false;
   for (;;) {
     await pause(500);
+    const answers = await ping();
     const seconds = Math.round((Date.now() - start) / 1000);
-    try {
-      await read(2);
-      if (away || seconds >= 5) {
-        return line.say('good', away ? `The unit is back after ${seconds} s.`
-          : `The unit is up; it has answered all the time.`);
-      }
-    } catch {
-      away = true;
+    if (answers && (away || seconds >= 5)) {
+      return line.say('good', away ? `The unit is back after ${seconds} s.`
+        : 'The unit is up; it has answered all the time.');
     }
+    away = away || !answers;
     line.say('warn', `Waiting for the unit … ${seconds} s`);
   }
 }

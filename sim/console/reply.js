@@ -1,6 +1,6 @@
-// Reading what onu-cgi sends. Replies look like JSON and are not: keys stand without quotes, in byte
-// order, and values are not escaped, so a value may hold quotes, braces and whole replies. A value
-// therefore ends at the first quote behind which the reply can go on as it must.
+// Reading what onu-cgi sends. Replies look like JSON and are not: keys stand without quotes, in
+// byte order, and values are not escaped, so a value may hold quotes, braces and whole replies. A
+// value therefore ends at the first quote behind which the reply can go on as it must.
 
 const kKey = /([A-Za-z_]\w*):"/y;
 const kEndAlone = /"(?:,([A-Za-z_]\w*):"|\}$)/g;

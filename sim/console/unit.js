@@ -30,10 +30,10 @@ function setAnswering(now) {
   }
 }
 
-// Asks the web server itself, which costs the unit no request.
+// Asks the web server itself, which costs the unit no request. One that only hangs does not answer.
 export async function ping() {
   try {
-    await fetch('/', { method: 'HEAD', cache: 'no-store' });
+    await fetch('/', { method: 'HEAD', cache: 'no-store', signal: AbortSignal.timeout(2000) });
     setAnswering(true);
   } catch {
     setAnswering(false);

@@ -3,10 +3,13 @@
 import collections
 import os
 import re
+import tarfile
 
 from calls import failing
 from saves import damage, in_peace
 from unit import SAVES, Request, incomplete, names, read, reset, settings, write
+
+EXPORT = "/var/tevo/website/www/xml/xml_config.tar"
 
 
 def calls_of_a_save(query):
@@ -92,11 +95,19 @@ def stage_save_calls(options):
         if not new_files:
             wrong.append(f"{query}: no new file is made")
             found["no new file"] += 1
+        Request("cmd_id=10").run()
+        with tarfile.open(EXPORT) as archive:
+            if hidden := [name for name in archive.getnames() if "/." in name]:
+                wrong.append(f"{query}: {hidden} is exported")
+        changed = [path for path in after if after[path] != before[path]]
         for put in (put_file, put_unreadable, os.mkdir, put_link):
             for path in new_files:
                 reset()
                 put(path)
+                inode = os.stat(changed[0]).st_ino
                 outcome = Request(query).run()
+                if put is not os.mkdir and os.stat(changed[0]).st_ino == inode:
+                    wrong.append(f"{query}: {put.__name__} has it write into the file itself")
                 check(f"{put.__name__} in the place of {path}", outcome, False,
                       names() if put in (os.mkdir, put_link) else None)
                 if put is put_link and read("/elsewhere/victim") != "untouched":

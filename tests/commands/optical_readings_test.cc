@@ -146,7 +146,8 @@ TEST_F(OpticalModule, ByteModeAndLongReads) {
   }
   expected += kSelect +
               "read command=0xc8 size=6 length=32 ok\nread command=0xe8 size=6 length=32 ok\n"
-              "read command=0x08 size=8 length=6 ok\nread command=0x00 size=6 length=32 ok\n";
+              "read command=0x08 size=8 length=6 ok\nread command=0x00 size=6 length=32 ok\n" +
+              kProbe + "ok\n";
   EXPECT_EQ(traffic().substr(0, expected.size()), expected);
   EXPECT_GE(rested("read command=0x00 size=1"), 210) << "before every byte";
 }

@@ -8,7 +8,7 @@ namespace {
 // A request for port 1, its line for the command shell, and what it changes: nothing without a
 // mode.
 Case vlan(const std::string& values, const std::string& line, const std::string& attributes) {
-  Case c = {"cmd_id=22&action=1&portId=1&mode=" + values, "1", kRun, "", eoam(line)};
+  Case c = {"cmd_id=22&action=1&portId=1&mode=" + values, "1", Commands::kRun, "", eoam(line)};
   if (!attributes.empty()) {
     c.reply = "0";
     c.written += "tevo ";

@@ -61,6 +61,7 @@ TEST_F(Unit, WhatIsMissingIsLeft) {
            {"getPhyPorts", config.getPhyPorts(phy)},
            {"getPonSerialSrc", pon.getPonSerialSrc(value)},
            {"getOmciLoid", omciData.getOmciLoid(omci)},
+           {"setPortIsolation", omciData.setPortIsolation("true")},
            {"getMtu", tpm.getMtu(mtu)},
            {"setFlowControl", tpm.setFlowControl("1")},
            {"setSchedMethod", tpm.setSchedMethod("1")},

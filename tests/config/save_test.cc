@@ -70,7 +70,7 @@ TEST_F(Saves, KeepTheOldTextOnAFullDisk) {
   fs::create_symlink("/small/settings", kSettings);
   writeFile("/small/settings", before);
   std::ofstream("/small/filler") << std::string(70000, 'x');  // as much as fits
-  for (const std::size_t size : {1, 4, 4096}) {
+  for (const std::size_t size : {1U, 4U, 4096U}) {
     expectKept(before, "/small/settings: No space left on device\n", std::string(size, 'p'));
     EXPECT_EQ(filesIn("/small"), 2);
   }

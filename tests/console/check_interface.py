@@ -110,7 +110,8 @@ class Unit:
             f"{name}={value}"
             for name, value in [("cmd_id", number), ("action", action), *parameters]
         )
-        environment = ["env", "REQUEST_METHOD=GET", f"QUERY_STRING={query}"]
+        # ONU_BOOTS: a reboot is recorded and starts nothing.
+        environment = ["env", "ONU_BOOTS=3", "REQUEST_METHOD=GET", f"QUERY_STRING={query}"]
         run = subprocess.run(
             [self.sim, "enter", self.folder.name, *environment, CGI],
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False, timeout=60,

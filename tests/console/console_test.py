@@ -72,8 +72,7 @@ class Server:
 
     def stop(self):
         self.process.terminate()
-        self.process.stdout.read()
-        self.process.wait(timeout=20)
+        self.process.communicate(timeout=20)
 
     def get(self, path):
         """Status and body of exactly this path."""
@@ -261,6 +260,15 @@ class ConsoleTest(unittest.TestCase):
         self.server.write("optical_module.registers", ("-17.62", "-30.00"))
         self.addCleanup(self.server.write, "optical_module.registers", ("-30.00", "-17.62"))
         self.shows(".reading", "−30.00", "alarm", "−30.00 to −17.62 dBm")
+        seen = self.page.current_window_handle
+        self.page.switch_to.new_window("tab")  # hides the page, which then reads no more
+        time.sleep(1)
+        reads = self.server.file("record/i2c")
+        time.sleep(5)
+        self.assertEqual(self.server.file("record/i2c"), reads)
+        self.page.close()
+        self.page.switch_to.window(seen)
+        self.until(lambda: self.server.file("record/i2c") != reads)
         self.page.execute_script("location.hash = 'counters'")
         self.shows("#rxDataFrames", "631 793")
         self.until(lambda: "0 f/s" in self.text("#rxDataFrames"))
@@ -444,7 +452,8 @@ class ConsoleTest(unittest.TestCase):
 
         self.open("counters")
         self.shows("#swRegAckFrames", "1")
-        self.server.stop()
+        self.server.process.kill()  # nothing of it may stay and keep the unit
+        self.server.process.communicate()
         self.shows("#notice", "does not answer")
         self.server.write(COUNTERS, ("[sw_m 1 ", "[sw_m 77 "))
         self.server.start()

@@ -5,6 +5,8 @@
 
 #include "frontend/cgi_log.h"
 #include "frontend/query.h"
+#include "frontend/response.h"
+#include "frontend/web_data_comm.h"
 #include "tests/support/unit.h"
 
 namespace onu::test {
@@ -39,7 +41,8 @@ TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
       {post("cmd_id=8&action=1"), counters},
       {post("cmd_id=8&x=" + std::string(kMaxForm - 11, 'y')), counters},
       {announced("8", "cmd_id=8888"), counters},
-      {announced("10", "cmd_id=8"), refused, "the form ends 2 bytes before its announced 10"},
+      {announced("10", "cmd_id=8"), refused,
+       "command 8: the form ends 2 bytes before its announced length of 10"},
       {announced(largest, "cmd_id=8"), refused, "a form of 1048577" + tooLong},
       {announced("-1", "cmd_id=8"), refused, "a form of 4294967295" + tooLong},
       {announced("99999999999999999999", "x"), refused, "a form of 2147483647" + tooLong},
@@ -101,6 +104,35 @@ TEST(Query, IsSearchedAsPlainText) {
     EXPECT_EQ(name.empty() ? numbers : getParam(query, name), want) << name << " in " << text;
     EXPECT_EQ(query.text + getParam(query, ""), text);
   }
+}
+
+TEST(WebDataComm, SaysWhatIsMissing) {
+  ::clearenv();
+  WebDataComm& web = WebDataComm::getInstance();
+  std::uint32_t length = 0;
+  RequestMethod method{};
+  ContentType type{};
+  std::string text;
+  EXPECT_EQ(web.readRequestMethod(length, method), -1);
+  EXPECT_EQ(web.readContentType(type), -1);
+  EXPECT_EQ(web.readRequestText(text), -1);
+}
+
+TEST(ResponseWriter, PrintsAContentType) {
+  testing::internal::CaptureStdout();
+  ResponseWriter().printContentType("");
+  ResponseWriter().printContentType("a/b");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "Content-Type: text/html\r\nContent-Type: a/b\r\n");
+}
+
+TEST(JsonFields, KeepTheLastValueOfAKey) {
+  JsonFields fields;
+  EXPECT_EQ(toJsonObject(fields), "{}");
+  for (const char* key : {"b", "c", "a", "b", "c"}) {
+    fields[key] += key;
+  }
+  EXPECT_EQ(toJsonObject(fields), "{a:\"a\",b:\"bb\",c:\"cc\"}");
 }
 
 // One test, since the log keeps its file open for the life of the process.

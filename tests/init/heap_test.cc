@@ -80,8 +80,9 @@ TEST(Heap, KeepsBlocksApartAndTakesThemBack) {
     }
     ASSERT_EQ(reinterpret_cast<std::uintptr_t>(piece.bytes) % alignment, 0U) << step;
     ASSERT_GE(malloc_usable_size(piece.bytes), size) << step;
+    piece.size = malloc_usable_size(piece.bytes);
     piece.fill = static_cast<unsigned char>(step);
-    std::memset(piece.bytes, piece.fill, size);
+    std::memset(piece.bytes, piece.fill, piece.size);
   }
   for (const Piece& piece : pieces) {
     free(piece.bytes);

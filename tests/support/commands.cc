@@ -60,6 +60,9 @@ Commands::Files settings() {
 
 }  // namespace
 
+const OddText Commands::kOdd;
+const std::string Commands::kRun = "TempFile commands clish commands ";
+
 std::string Commands::path(const std::string& file) {
   return file == "tevo" ? kSettings : "/etc/xml_params/" + file + kSuffix;
 }

@@ -11,11 +11,8 @@ struct OddText {
   std::string asText = "&lt;a b='c'&gt;]]&gt; \"%0A+\n;" + std::string(65536, 'x');
   std::string asAttribute = "&lt;a b='c'&gt;]]&gt; &quot;%0A+&#xA;;" + std::string(65536, 'x');
 };
-inline const OddText kOdd;
 
-// The files written where a script goes through the command shell, and such a script in its usual
-// view.
-inline const std::string kRun = "TempFile commands clish commands ";
+// A script for the command shell in its usual view.
 inline std::string eoam(const std::string& line) { return "eoam\n" + line + "\n\nquit\n"; }
 
 // A request to a unit with settings, and all that it leaves behind.
@@ -34,6 +31,8 @@ class Commands : public Unit {
  public:
   using Files = std::map<std::string, std::string>;  // settings files by name
   static constexpr const char* kAbsent = "absent";   // instead of the content of a file
+  static const OddText kOdd;
+  static const std::string kRun;  // the files written where a script goes through the command shell
 
   static std::string path(const std::string& file);
 

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -93,8 +92,9 @@ Outcome Unit::run(const std::string& program, Texts arguments, const Request& re
     words.push_back(argument.data());
   }
   words.push_back(nullptr);
-  std::array<int, 3> streams{};
-  std::generate(streams.begin(), streams.end(), [] { return ::memfd_create("", MFD_CLOEXEC); });
+  int streams[3];
+  std::generate(std::begin(streams), std::end(streams),
+                [] { return ::memfd_create("stream", MFD_CLOEXEC); });
   const auto path = [&](int stream) { return "/proc/self/fd/" + std::to_string(streams[stream]); };
   writeFile(path(STDIN_FILENO), request.body);
   const pid_t child = ::fork();
@@ -113,11 +113,11 @@ Outcome Unit::run(const std::string& program, Texts arguments, const Request& re
   }
   int status = 0;
   ::waitpid(child, &status, 0);
-  const Outcome outcome = {readFile(path(STDOUT_FILENO)), readFile(path(STDERR_FILENO)),
-                           WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-                           split(readFile("/record/commands"), '\0'),
-                           split(readFile("/record/clish"), '\0')};
-  std::for_each(streams.begin(), streams.end(), ::close);
+  Outcome outcome = {readFile(path(STDOUT_FILENO)), readFile(path(STDERR_FILENO)),
+                     WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+                     split(readFile("/record/commands"), '\0'),
+                     split(readFile("/record/clish"), '\0')};
+  std::for_each(std::begin(streams), std::end(streams), ::close);
   return outcome;
 }
 

@@ -25,9 +25,9 @@ Request upload(const std::string& query, const std::string& body, const std::str
 struct Outcome {
   std::string out;
   std::string err;
-  int status;       // exit status, or 128 and the number of the signal
-  Texts commands;   // texts given to the unit's shell, in order
-  Texts scripts;    // what the command shell was fed
+  int status;      // exit status, or 128 and the number of the signal
+  Texts commands;  // texts given to the unit's shell, in order
+  Texts scripts;   // what the command shell was fed
 };
 
 // The reply around a JSON body, and an error page, as the pages get them.
