@@ -31,47 +31,66 @@ TEST_F(Unit, PortsAreListed) {
 
 TEST_F(Unit, WhatIsMissingIsLeft) {
   const ConfigData& config = ConfigData::getInstance();
-  const OmciData& omciData = OmciData::getInstance();
+  const OmciData& omci = OmciData::getInstance();
   const PonSerialData& pon = PonSerialData::getInstance();
   const TpmData& tpm = TpmData::getInstance();
   const ProfileData& profile = ProfileData::getInstance();
-  CommInfo comm{"-", "-", "-", "-"};
+  CommInfo comm;
+  IpInfo ip;
   FecInfo fec;
   LoidInfo loid;
-  OmciLoid omci;
+  OmciLoid omciLoid;
   MtuInfo mtu;
+  QueueTexts queues;
+  VendorInfo vendor;
+  ChipInfo chip;
   CapabilityInfo capability;
   std::vector<PhyPortInfo> phy;
-  std::string value = "-";
-  writeFile(kSettings, "<c><commInfo><vendor>v</vendor><onu_id>i</onu_id></commInfo></c>");
-  EXPECT_EQ(config.getCommInfo(comm), 0);
-  EXPECT_EQ(comm.vendor + comm.model + comm.softwareVersion + comm.onu_id, "v--i");
-  EXPECT_EQ(pon.setPonSerialSrc("7") + pon.getPonSerialSrc(value), 0);
-  EXPECT_EQ(omciData.getOmciLoid(omci), 0);
-  EXPECT_EQ(profile.getCapability(capability), 0);
-  EXPECT_EQ(capability.onuType + capability.geNum, "SFU1");
-
+  std::string value;
+  std::string version;
+  const auto results = [&] {
+    return std::map<std::string, int>{
+        {"getCommInfo", config.getCommInfo(comm)},
+        {"getIpInfo", config.getIpInfo(ip)},
+        {"getFec", config.getFec(fec)},
+        {"getLoid", config.getLoid(loid)},
+        {"getPhyPorts", config.getPhyPorts(phy)},
+        {"getSn", config.getSn(value)},
+        {"getStorm", config.getStorm(value, value)},
+        {"getMacAgingTime", config.getMacAgingTime("0", value)},
+        {"getOmciLoid", omci.getOmciLoid(omciLoid)},
+        {"getPortIsolation", omci.getPortIsolation(value)},
+        {"setPortIsolation", omci.setPortIsolation("true")},
+        {"getMtu", tpm.getMtu(mtu)},
+        {"getQueueWeights", tpm.getQueueWeights(queues)},
+        {"setFlowControl", tpm.setFlowControl("1")},
+        {"setSchedMethod", tpm.setSchedMethod("1")},
+        {"getLoopDetect", profile.getLoopDetect("0", value)},
+        {"getMulticastGroupNum", profile.getMulticastGroupNum(value)},
+        {"getMulticastSwitch", profile.getMulticastSwitch(value)},
+        {"getVendorInfo", profile.getVendorInfo(vendor)},
+        {"getChipInfo", profile.getChipInfo(chip)},
+        {"getFirmwareVersion", profile.getFirmwareVersion(version)},
+        {"getCapability", profile.getCapability(capability)},
+        {"setPonSerialSrc", pon.setPonSerialSrc("7")},
+        {"getPonSerialSrc", pon.getPonSerialSrc(value)},
+    };
+  };
+  for (const auto& [name, result] : results()) {
+    EXPECT_EQ(result, 0) << name;
+  }
+  EXPECT_EQ(capability.onuType + capability.geNum + version + value, "SFU102.00.0e7");
   std::filesystem::remove_all("/etc/xml_params");
   std::filesystem::remove(kSettings);
-  for (const auto& [name, result] : std::map<std::string, int>{
-           {"getCommInfo", config.getCommInfo(comm)},
-           {"getFec", config.getFec(fec)},
-           {"getLoid", config.getLoid(loid)},
-           {"getSn", config.getSn(value)},
-           {"getPhyPorts", config.getPhyPorts(phy)},
-           {"getPonSerialSrc", pon.getPonSerialSrc(value)},
-           {"getOmciLoid", omciData.getOmciLoid(omci)},
-           {"setPortIsolation", omciData.setPortIsolation("true")},
-           {"getMtu", tpm.getMtu(mtu)},
-           {"setFlowControl", tpm.setFlowControl("1")},
-           {"setSchedMethod", tpm.setSchedMethod("1")},
-           {"getMulticastGroupNum", profile.getMulticastGroupNum(value)},
-           {"getMulticastSwitch", profile.getMulticastSwitch(value)},
-           {"getCapability", profile.getCapability(capability)},
-       }) {
+  for (const auto& [name, result] : results()) {
     EXPECT_EQ(result, -1) << name;
   }
   EXPECT_EQ(value, "7");
+
+  writeFile(kSettings, "<c><commInfo><vendor>v</vendor><onu_id>i</onu_id></commInfo></c>");
+  CommInfo partly{"-", "-", "-", "-"};
+  EXPECT_EQ(config.getCommInfo(partly), 0);
+  EXPECT_EQ(partly.vendor + partly.model + partly.softwareVersion + partly.onu_id, "v--i");
 }
 
 TEST(OnuType, HasAName) {
