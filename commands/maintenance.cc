@@ -3,12 +3,11 @@
 #include <array>
 #include <cstdint>
 #include <initializer_list>
-#include <string>
 
 #include "base/fd.h"
-#include "base/join.h"
 #include "base/message.h"
 #include "base/number.h"
+#include "base/text.h"
 #include "config/paths.h"
 #include "device/shell.h"
 #include "frontend/upload.h"
@@ -23,10 +22,9 @@ constexpr auto kTakeMainSettings =
 constexpr auto kRestoreMainSettings =
     join("/bin/cp -f ", kFactorySettingsPath, "  ", kMainSettingsPath);
 constexpr auto kTakeFiles = join("mv ", kUploadPath, "  /tmp/jffs2_fs.tar.gz");
-constexpr auto kTakeImage = join("mv ", kUploadPath, "  ");
 void run(std::initializer_list<const char*> commands) {
   for (const char* const command : commands) {
-    runShell(command);
+    runShell({command});
   }
 }
 
@@ -73,13 +71,11 @@ constexpr std::array kImages = {
 };
 
 void flash(const Image& image) {
-  const std::string file = image.file;
-  const std::string partition = image.partition;
-  runShell(kTakeImage.data() + file);
-  runShell("/usr/sbin/flash_unlock " + partition + " ");
-  runShell("/usr/sbin/flash_erase " + partition + " 0 0 ");
-  runShell("/bin/dd if=" + file + " of=" + partition);
-  runShell(kReboot);
+  runShell({"mv ", kUploadPath, "  ", image.file});
+  runShell({"/usr/sbin/flash_unlock ", image.partition, " "});
+  runShell({"/usr/sbin/flash_erase ", image.partition, " 0 0 "});
+  runShell({"/bin/dd if=", image.file, " of=", image.partition});
+  runShell({kReboot});
 }
 
 // The archive holds files of the writable file system. The script unpacks it and decides what comes
@@ -106,7 +102,7 @@ void importConfiguration(WebRequest& request) {
 
 void rebootUnit(WebRequest& request) {
   replyBeforeWork(request.reply);
-  runShell(kReboot);
+  runShell({kReboot});
 }
 
 void restoreDefaults(WebRequest& request) {

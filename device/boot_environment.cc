@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/join.h"
 #include "device/shell.h"
 #include "device/status_file.h"
 
@@ -12,9 +11,6 @@ namespace {
 
 constexpr char kOutputPath[] = "/tmp/mac.txt";
 constexpr char kVariable[] = "mv_pon_addr";
-constexpr auto kPrint = join("fw_printenv ", kVariable, " >", kOutputPath, " ");
-constexpr auto kRemoveOutput = join("rm ", kOutputPath);
-constexpr auto kSet = join("fw_setenv ", kVariable, "  ");
 constexpr std::size_t kMacSize = 17;
 
 // The address in what fw_printenv has printed; false when no line holds one.
@@ -34,16 +30,16 @@ bool findMac(std::string_view output, std::string& mac) {
 }  // namespace
 
 int readBootloaderMac(std::string& mac) {
-  runShell(kPrint.data());
+  runShell({"fw_printenv ", kVariable, " >", kOutputPath, " "});
   std::string output;
   if (readStatusFile(kOutputPath, output) != 0) {
     return -1;
   }
   const bool found = findMac(output, mac);
-  runShell(kRemoveOutput.data());
+  runShell({"rm ", kOutputPath});
   return found ? 0 : -1;
 }
 
-void writeBootloaderMac(const std::string& mac) { runShell(kSet.data() + mac); }
+void writeBootloaderMac(const std::string& mac) { runShell({"fw_setenv ", kVariable, "  ", mac}); }
 
 }  // namespace onu
