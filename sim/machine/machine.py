@@ -217,6 +217,12 @@ class Machine:
         self.resume()
         return content, seen
 
+    def move_module(self, address):
+        """The optical module to another address of its bus: away from 0x51 it is unplugged. That
+        takes a device that qemu has let go of, which answers nevertheless."""
+        for name, value in (("realized", False), ("address", address)):
+            self.monitor.ask("qom-set", path="/machine/peripheral/module", property=name, value=value)
+
     # Through the network.
 
     def fetch(self, path, **how):
