@@ -128,9 +128,9 @@ def damage(text):
 
 
 def start_copies(parts, folder, copies, count):
-    """Starts units with some of the copies, those that a write was under way in first."""
+    """Starts units with some of the copies: the damaged, then those that a write was under way in."""
     wrong = []
-    chosen = sorted(copies, key=lambda copy: not copy[2])[:count]
+    chosen = sorted(copies, key=lambda copy: (copy[1] == "whole", not copy[2]))[:count]
     for number, (flash, state, _) in enumerate(chosen):
         path = os.path.join(folder, "cut")
         with open(path, "wb") as file:
