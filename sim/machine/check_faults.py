@@ -127,14 +127,14 @@ def flash_full(stage, findings):
 
 def module(stage, findings):
     """the optical module is absent, or goes and comes while the unit runs"""
-    with stage.unit(module=None) as unit:
+    with stage.unit(modules=()) as unit:
         findings.equal("absent", unit.ask("cmd_id=3"), NO_READINGS)
     with stage.unit() as unit:
         readings = unit.ask("cmd_id=3")
         findings.check("plugged in", 'temp:"36.50' in readings, readings)
-        unit.move_module(0x52)
+        unit.plug(None)
         findings.equal("unplugged", unit.ask("cmd_id=3"), NO_READINGS)
-        unit.move_module(0x51)
+        unit.plug(0)
         findings.equal("plugged in again", unit.ask("cmd_id=3"), readings)
         unit.run("echo 21a0000.i2c >/sys/bus/platform/drivers/imx-i2c/unbind")
         findings.equal("without its bus", unit.ask("cmd_id=3"), NO_READINGS)

@@ -60,16 +60,13 @@ QUANTITIES = {  # name: first register, counts of the register pair
 
 
 def module_registers(path):
-    """The 256 registers of the optical module that the simulated unit's register file describes;
-    None when it says that none is plugged in."""
+    """The 256 registers of the optical module that the simulated unit's register file describes."""
     registers = bytearray(256)
     with open(path, encoding="utf-8") as file:
         for line in file:
             words = line.partition("#")[0].split()
             if not words:
                 continue
-            if words == ["fault", "absent"]:
-                return None
             if words[0] == "register":
                 first, *values = (int(word, 0) for word in words[1:])
                 registers[first:first + len(values)] = bytes(values)
