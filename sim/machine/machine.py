@@ -58,8 +58,8 @@ def serial_line(path, timeout):
 
 
 class BenchLine:
-    """The unit's first serial line: its words as they come, read at once, for qemu stands still when
-    nobody takes a character."""
+    """The unit's first serial line: its words as they come, read at once, for qemu stands still
+    when nobody takes a character."""
 
     def __init__(self, path):
         self.line = serial_line(path, 20)
@@ -132,8 +132,8 @@ class Machine:
     """As a context manager: switched on at its beginning, off (by the power switch) at its end.
 
     `flash` is a file, which the unit changes; `modules` are register files of optical modules, of
-    which the first is plugged in, none for a unit without one; `counted` makes its clock count instructions, a nanosecond each. `console`
-    gives it this process's terminal."""
+    which the first is plugged in, none for a unit without one; `counted` makes its clock count
+    instructions, a nanosecond each; `console` gives it this process's terminal."""
 
     def __init__(self, parts, flash, port=None, modules=(), counted=False, console=False):
         self.parts, self.flash, self.port = parts, flash, port or free_port()
@@ -170,11 +170,12 @@ class Machine:
             "-nic", f"user,id=net,hostfwd=tcp:127.0.0.1:{self.port}-10.0.2.15:80"]
         for number, path in enumerate(self.modules):
             # This EEPROM takes two bytes of address, of which a module's reader sends the second.
-            with open(self._path(f"module{number}"), "wb") as file:
+            image = self._path(f"module{number}")
+            with open(image, "wb") as file:
                 file.write(chip.module_registers(path) * 256)
-            arguments += ["-drive", f"file={self._path(f'module{number}')},if=none,id=eeprom{number},"
-                          "format=raw", "-device", f"at24c-eeprom,id=module{number},bus=i2c-bus.0,"
-                          f"address={MODULE + number},rom-size=65536,drive=eeprom{number}"]
+            arguments += ["-drive", f"file={image},if=none,id=eeprom{number},format=raw", "-device",
+                          f"at24c-eeprom,id=module{number},bus=i2c-bus.0,rom-size=65536,"
+                          f"address={MODULE + number},drive=eeprom{number}"]
         if self.counted:
             arguments += ["-icount", "shift=0,sleep=off"]
         with open(self._path("qemu"), "wb") as log:

@@ -1,5 +1,5 @@
-# What script/machine and script/replay, which have read script/common.sh, need before a virtual unit
-# can start. Sets `parts`, the words that tell Python where the parts lie.
+# What script/machine and script/replay, which have read script/common.sh, need before a virtual
+# unit can start. Sets `parts`, the words that tell Python where the parts lie.
 # shellcheck shell=bash disable=SC2154
 
 machine_packages="qemu-system-arm device-tree-compiler cpio kmod busybox-static curl python3

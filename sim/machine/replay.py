@@ -174,7 +174,7 @@ def requests(root):
 
     with open(os.path.join(HERE, "requests"), encoding="utf-8") as file:
         lines = [line.strip() for line in file if line.strip() and not line.startswith("#")]
-    return [(line, make(*((line + " ").split(" ", 1)[0], line.partition(" ")[2]))) for line in lines]
+    return [(line, make(*line.partition(" ")[::2])) for line in lines]
 
 
 class Comparison:
@@ -188,7 +188,8 @@ class Comparison:
         if isinstance(one, dict):
             for name in sorted({*one, *other}):
                 if one.get(name) != other.get(name):
-                    self.wrong.append(f"{label}, {name}: {first_part(one.get(name), other.get(name))}")
+                    parting = first_part(one.get(name), other.get(name))
+                    self.wrong.append(f"{label}, {name}: {parting}")
         else:
             self.wrong.append(f"{label}: {first_part(one, other)}")
 
@@ -223,18 +224,19 @@ def replay(root, simulated, virtual, comparison):
     # What ends in a restart. The image for the settings' partition is a copy of it as it is: the
     # settings stay what they are.
     kernel, rootfs = os.urandom(100_001), os.urandom(chip.extent(2)[1] - chip.extent(2)[0])
-    restarts = [("cmd_id=11", None), ("cmd_id=18&action=1", None), ("cmd_id=21&update_type=1", kernel),
-                ("cmd_id=21&update_type=2", rootfs), ("cmd_id=21&update_type=3", "as it is"),
-                ("cmd_id=21", files_archive())]
+    restarts = [("cmd_id=11", None), ("cmd_id=18&action=1", None),
+                ("cmd_id=21&update_type=1", kernel), ("cmd_id=21&update_type=2", rootfs),
+                ("cmd_id=21&update_type=3", "as it is"), ("cmd_id=21", files_archive())]
     for query, content in restarts:
         how = form(virtual.partition(3) if content == "as it is" else content) if content else {}
-        comparison.reply(query, *(unit.restart(lambda unit: fetch(unit.port, f"{CGI}?{query}", **how))
-                                  for unit in (simulated, virtual)))
+        comparison.reply(query, *(
+            unit.restart(lambda unit: fetch(unit.port, f"{CGI}?{query}", **how))
+            for unit in (simulated, virtual)))
         comparison.state(query, simulated, virtual, FOLDERS[:2])
     for number, content in ((1, kernel), (2, rootfs)):
         for unit in (simulated, virtual):
             if unit.partition(number)[:len(content)] != content:
-                comparison.wrong.append(f"{type(unit).__name__}: partition {number} is not the image")
+                comparison.wrong.append(f"{type(unit).__name__}: partition {number} differs")
     for number in (2, 6):
         query = f"{CGI}?cmd_id={number}&action=0"
         comparison.reply(query, fetch(simulated.port, query), fetch(virtual.port, query))
