@@ -38,7 +38,8 @@ def rows(unit, title, *groups):
             wall, least, _, resident, anonymous, _, faults = line.split()
             floor = floor or float(wall)
             print(f"{name:26}{float(wall) * 1000:13,.0f}{float(wall) / floor:8.2f}"
-                  f"{float(least) * 1000:13,.0f}{faults:>8}{anonymous:>10}{resident:>9}", flush=True)
+                  f"{float(least) * 1000:13,.0f}{faults:>8}{anonymous:>10}{resident:>9}",
+                  flush=True)
 
 
 def enlarged(text, size):
