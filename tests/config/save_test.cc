@@ -91,8 +91,10 @@ TEST_F(Saves, DoWithoutTheLock) {
   const Outcome refused = cgi(upload("cmd_id=8", "--x\r\nfilename=\"f\"\r\n\r\nX\r\n--x--"));
   fs::permissions("/tmp", fs::perms::all);
   EXPECT_EQ(refused.out, errorPage(400, "receive file fail")) << "it would share its file";
-  EXPECT_EQ(refused.err, "onu-cgi: command 8: " + line +
-                             "onu-cgi: command 8: no upload is received beside another request\n");
+  EXPECT_EQ(
+      refused.err,
+      "onu-cgi: command 8: " + line +
+          "onu-cgi: command 8: receive file fail: no upload is received beside another request\n");
 }
 
 // A file cut anywhere is read as far as it goes, and never written back as less than a document.
@@ -104,7 +106,8 @@ TEST_F(Saves, MakeADocumentOfATruncatedFile) {
     writeFile(kSettings, cut);
     const Outcome outcome = cgi(get("cmd_id=20&pwdold=user&pwdnew=n"));
     EXPECT_EQ(outcome.status, 0) << size;
-    EXPECT_EQ(outcome.err.find("onu-cgi: command 20: error in " + std::string(kSettings)), 0U);
+    const std::string error = std::string("error in ") + kSettings + ": [error near line ";
+    EXPECT_EQ(outcome.err.find("onu-cgi: command 20: " + error), 0U) << outcome.err;
     const std::string after = readFile(kSettings);
     EXPECT_TRUE(after == cut || after.rfind("</tevo>") == after.size() - 7) << size;
     EXPECT_EQ(outcome.err.find("is rewritten") == std::string::npos, after == cut) << outcome.err;
