@@ -19,13 +19,13 @@ class BrokenPipeGuard {
   void (*before_)(int);
 };
 
-// Writes `text` and a line feed to standard output at once, unbuffered: messages keep their order
-// with the output of the tools that are started after them. Whether anybody reads them does not
-// matter.
-void printLine(std::string_view text);
+// Writes a line of the parts to standard output at once, unbuffered: messages keep their order with
+// the output of the tools that are started after them. Whether anybody reads them does not matter.
+// At most 8 parts, here and below.
+void printLine(std::initializer_list<std::string_view> parts);
 
 // The same on standard error, for messages that have a form of their own.
-void printErrorLine(std::string_view text);
+void printErrorLine(std::initializer_list<std::string_view> parts);
 
 // Says on standard error, the log of the web server, what failed on what: a line of the parts
 // behind "onu-cgi: command 5: ", without the command while that is not known. Takes no memory, so

@@ -3,11 +3,11 @@
 #include <array>
 #include <cstdint>
 #include <initializer_list>
-#include <string>
 
 #include "base/fd.h"
 #include "base/message.h"
 #include "base/number.h"
+#include "base/text.h"
 #include "config/paths.h"
 #include "device/shell.h"
 #include "frontend/upload.h"
@@ -16,9 +16,15 @@ namespace onu {
 namespace {
 
 constexpr const char* kReboot = "/sbin/reboot";
-void run(std::initializer_list<std::string> commands) {
-  for (const std::string& command : commands) {
-    runShell(command);
+constexpr auto kTakeArchive = join("mv ", kUploadPath, " /tmp/xml_in.tar");
+constexpr auto kTakeMainSettings =
+    join("cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  ", kMainSettingsPath);
+constexpr auto kRestoreMainSettings =
+    join("/bin/cp -f ", kFactorySettingsPath, "  ", kMainSettingsPath);
+constexpr auto kTakeFiles = join("mv ", kUploadPath, "  /tmp/jffs2_fs.tar.gz");
+void run(std::initializer_list<const char*> commands) {
+  for (const char* const command : commands) {
+    runShell({command});
   }
 }
 
@@ -41,7 +47,7 @@ void replyBeforeWork(const ResponseWriter& reply) {
 }
 
 // The other order: the reply stands untouched behind the output of the tools.
-void replyAfterWork(const ResponseWriter& reply, std::initializer_list<std::string> commands) {
+void replyAfterWork(const ResponseWriter& reply, std::initializer_list<const char*> commands) {
   const Fd output(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
   if (output) {
     muteTools();
@@ -65,20 +71,17 @@ constexpr std::array kImages = {
 };
 
 void flash(const Image& image) {
-  const std::string file = image.file;
-  const std::string partition = image.partition;
-  runShell(std::string("mv ") + kUploadPath + "  " + file);
-  runShell("/usr/sbin/flash_unlock " + partition + " ");
-  runShell("/usr/sbin/flash_erase " + partition + " 0 0 ");
-  runShell("/bin/dd if=" + file + " of=" + partition);
-  runShell(kReboot);
+  runShell({"mv ", kUploadPath, "  ", image.file});
+  runShell({"/usr/sbin/flash_unlock ", image.partition, " "});
+  runShell({"/usr/sbin/flash_erase ", image.partition, " 0 0 "});
+  runShell({"/bin/dd if=", image.file, " of=", image.partition});
+  runShell({kReboot});
 }
 
 // The archive holds files of the writable file system. The script unpacks it and decides what comes
 // then.
 void upgradeFiles() {
-  run({"rm -rf /tmp/jffs2_fs.tar.gz", "rm -r /tmp/jffs2_fs.tar.gz",
-       std::string("mv ") + kUploadPath + "  /tmp/jffs2_fs.tar.gz",
+  run({"rm -rf /tmp/jffs2_fs.tar.gz", "rm -r /tmp/jffs2_fs.tar.gz", kTakeFiles.data(),
        "cp /tmp/jffs2_fs.tar.gz  /var/", "/var/tevo/upgrade.sh"});
 }
 
@@ -91,8 +94,7 @@ void exportConfiguration(WebRequest& request) {
 void importConfiguration(WebRequest& request) {
   replyAfterWork(
       request.reply,
-      {std::string("mv ") + kUploadPath + " /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ",
-       std::string("cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  ") + kMainSettingsPath,
+      {kTakeArchive.data(), "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings.data(),
        "cp -rf /tmp/xml_config/*.*  /etc/xml_params/",
        // The main settings have their place with the pages; no second copy is to stay behind.
        "rm -rf /etc/xml_params/tevo*.*", "rm -rf /tmp/xml_config", "rm -f /tmp/xml_in.tar"});
@@ -100,14 +102,13 @@ void importConfiguration(WebRequest& request) {
 
 void rebootUnit(WebRequest& request) {
   replyBeforeWork(request.reply);
-  runShell(kReboot);
+  runShell({kReboot});
 }
 
 void restoreDefaults(WebRequest& request) {
   replyBeforeWork(request.reply);
   run({"/bin/cp -f /var/tevo/xml_default/*.*  /etc/xml_params/",
-       "rm -f /var/xml_params/tevo_xml_cfg_file.xml",
-       std::string("/bin/cp -f ") + kFactorySettingsPath + "  " + kMainSettingsPath, kReboot});
+       "rm -f /var/xml_params/tevo_xml_cfg_file.xml", kRestoreMainSettings.data(), kReboot});
 }
 
 void upgradeFirmware(WebRequest& request) {

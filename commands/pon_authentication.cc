@@ -1,5 +1,6 @@
 #include "commands/pon_authentication.h"
 
+#include "base/text.h"
 #include "commands/mac_text.h"
 #include "config/config_data.h"
 #include "config/omci_data.h"
@@ -32,7 +33,7 @@ int store(const ParsedQuery& query) {
   if (config.setSn(getParam(query, "sn")) != 0 || config.setLoid(loid) != 0) {
     return -1;
   }
-  std::string command = "onu loid " + loid.loid + "  " + loid.password;
+  std::string command = concat({"onu loid ", loid.loid, "  ", loid.password});
   CliRunner::run(kCliMode, command);
 
   const std::string fecMode = getParam(query, "fec_mode");

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "base/text.h"
 #include "config/config_data.h"
 #include "config/tpm_data.h"
 #include "device/cli_runner.h"
@@ -24,8 +25,8 @@ std::string portObject(const PhyPortInfo& port) {
 void applyPort(const PhyPortInfo& port) {
   // Negotiation is always on, on the WAN port whatever port was stored, and "flase" is the word
   // that goes to clish.
-  CliRunner::run("tpm", "config\nport autoneg 0 WAN true " + port.mode + "\nport fc 0 WAN " +
-                            (port.flow_control == "0" ? "flase" : "true") + "\n");
+  CliRunner::run("tpm", concat({"config\nport autoneg 0 WAN true ", port.mode, "\nport fc 0 WAN ",
+                                port.flow_control == "0" ? "flase" : "true", "\n"}));
 }
 
 }  // namespace
@@ -35,7 +36,7 @@ void sendPorts(WebRequest& request) {
   ConfigData::getInstance().getPhyPorts(ports);
   std::string body = "[ ";
   for (const PhyPortInfo& port : ports) {
-    body += portObject(port) + ",";
+    body.append(portObject(port)).append(",");
   }
   body.back() = ']';  // in place of the last comma, or of the blank when there is no port
   request.reply.sendJsonResponse(body);
@@ -68,7 +69,7 @@ void storeMacAging(WebRequest& request) {
   if (ConfigData::getInstance().setMacAgingTime(kAgingPort, time) != 0) {
     return request.reply.sendJsonResponse(" 1");
   }
-  CliRunner::run("eoam", "port mac_aging_time 0 UNI_0 " + time);
+  CliRunner::run("eoam", concat({"port mac_aging_time 0 UNI_0 ", time}));
   request.reply.sendJsonResponse(" 0");
 }
 

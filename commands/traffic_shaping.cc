@@ -70,8 +70,8 @@ constexpr const char* kNoLimit = "1048568";
 
 void limitRate(const RateTarget& target, const std::string& rate) {
   for (const char* const direction : {"us", "ds"}) {
-    runShell(std::string("echo 0 ") + direction + " " + target.words + rate +
-             " 1536 > /sys/devices/platform/tpm/cfg_traffic/" + target.file);
+    runShell({"echo 0 ", direction, " ", target.words, rate,
+              " 1536 > /sys/devices/platform/tpm/cfg_traffic/", target.file});
   }
 }
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/number.h"
+#include "base/text.h"
 #include "config/config_data.h"
 #include "device/cli_runner.h"
 
@@ -14,15 +15,15 @@ namespace {
 std::string vlanCommand(const VlanPortInfo& port) {
   switch (toNumber(port.mode)) {
     case 1:
-      return "port vlan transparent " + port.port;
+      return concat({"port vlan transparent ", port.port});
     case 2:
-      return "port vlan tag " + port.port + "  " + port.default_vid;
+      return concat({"port vlan tag ", port.port, "  ", port.default_vid});
     case 3:
-      return "port vlan translation  " + port.port + "  " + port.default_vid + " " + port.vid_sum +
-             "  " + port.vid_serial;
+      return concat({"port vlan translation  ", port.port, "  ", port.default_vid, " ",
+                     port.vid_sum, "  ", port.vid_serial});
     case 4:
-      return "port vlan trunk  " + port.port + "  " + port.default_vid + "   " + port.vid_sum +
-             "  " + port.vid_serial;
+      return concat({"port vlan trunk  ", port.port, "  ", port.default_vid, "   ", port.vid_sum,
+                     "  ", port.vid_serial});
     default:
       return {};
   }

@@ -112,7 +112,7 @@ int ConfigData::setIpInfo(const IpInfo& info) const {
   const Edit address = editText(xml::child(group, "ipAddress"), info.ipAddress, Write::kIfChanged);
   const Edit mask = editText(xml::child(group, "netMask"), info.netMask, Write::kIfChanged);
   if (address == Edit::kFailed || mask == Edit::kFailed) {
-    printLine("set ip address type  error");
+    printLine({"set ip address type  error"});
     return -1;
   }
   return file.finish(address == Edit::kDone ? address : mask);
@@ -126,7 +126,7 @@ int ConfigData::setMac(const std::string& mac) const {
   }
   const Edit edit = editText(xml::child(group, "onu_mac"), mac, Write::kAlways);
   if (edit == Edit::kFailed) {
-    printLine("set mac address   fail");
+    printLine({"set mac address   fail"});
   }
   return file.finish(edit);
 }

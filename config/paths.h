@@ -3,12 +3,12 @@
 namespace onu {
 
 // The settings files of a unit.
-constexpr const char* kMainSettingsPath = "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml";
-constexpr const char* kFactorySettingsPath = "/var/tevo/xml_default/tevo_xml_cfg_file.xml";
-constexpr const char* kProfilePath = "/etc/xml_params/onu_profile_xml_cfg_file.xml";
-constexpr const char* kEoamSettingsPath = "/etc/xml_params/eoam_xml_cfg_file.xml";
-constexpr const char* kTpmSettingsPath = "/etc/xml_params/tpm_xml_cfg_file.xml";
-constexpr const char* kOmciSettingsPath = "/etc/xml_params/omci_xml_cfg_file.xml";
-constexpr const char* kGponSettingsPath = "/etc/xml_params/gpon_xml_cfg_file.xml";
+inline constexpr char kMainSettingsPath[] = "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml";
+inline constexpr char kFactorySettingsPath[] = "/var/tevo/xml_default/tevo_xml_cfg_file.xml";
+inline constexpr char kProfilePath[] = "/etc/xml_params/onu_profile_xml_cfg_file.xml";
+inline constexpr char kEoamSettingsPath[] = "/etc/xml_params/eoam_xml_cfg_file.xml";
+inline constexpr char kTpmSettingsPath[] = "/etc/xml_params/tpm_xml_cfg_file.xml";
+inline constexpr char kOmciSettingsPath[] = "/etc/xml_params/omci_xml_cfg_file.xml";
+inline constexpr char kGponSettingsPath[] = "/etc/xml_params/gpon_xml_cfg_file.xml";
 
 }  // namespace onu

@@ -7,7 +7,6 @@
 #include <climits>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -60,6 +59,17 @@ Fd createFreshInTurn(const char* path, mode_t mode) {
   }
 }
 
+constexpr int kMostLinks = 40;  // in a row, as the kernel has it
+
+// The path that a symbolic link leads to.
+std::string linkTarget(const std::string& link) {
+  std::array<char, PATH_MAX> text;
+  const ssize_t size = ::readlink(link.c_str(), text.data(), text.size());
+  const std::string_view target(text.data(), size < 0 ? 0 : static_cast<std::size_t>(size));
+  const bool isAbsolute = !target.empty() && target.front() == '/';
+  return (isAbsolute ? std::string() : link.substr(0, link.rfind('/') + 1)).append(target);
+}
+
 // Whether a file that is written itself would be no better off: there is no more room for that
 // either, or the medium fails, and the old text is the only good one.
 bool keepsOldText(int error) {
@@ -70,13 +80,9 @@ bool keepsOldText(int error) {
 
 ReplaceableFile::ReplaceableFile(const char* path, int flags)
     : target_(path), file_(Fd::open(path, flags | O_NOFOLLOW)) {
-  if (!file_ && errno == ELOOP) {
-    file_ = Fd::open(path, flags);
-    std::array<char, PATH_MAX> target;
-    if (file_ && ::realpath(path, target.data()) == nullptr) {
-      file_ = Fd();
-    }
-    target_ = file_ ? target.data() : path;
+  for (int link = 0; !file_ && errno == ELOOP && link < kMostLinks; ++link) {
+    target_ = linkTarget(target_);
+    file_ = Fd::open(target_.c_str(), flags | O_NOFOLLOW);
   }
   if (file_ && ::fstat(file_.get(), &state_) != 0) {
     file_ = Fd();

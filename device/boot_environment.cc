@@ -9,8 +9,8 @@
 namespace onu {
 namespace {
 
-constexpr const char* kOutputPath = "/tmp/mac.txt";
-constexpr std::string_view kVariable = "mv_pon_addr";
+constexpr char kOutputPath[] = "/tmp/mac.txt";
+constexpr char kVariable[] = "mv_pon_addr";
 constexpr std::size_t kMacSize = 17;
 
 // The address in what fw_printenv has printed; false when no line holds one.
@@ -18,7 +18,7 @@ bool findMac(std::string_view output, std::string& mac) {
   while (!output.empty()) {
     const std::string_view line = output.substr(0, output.find('\n'));
     const std::size_t equals = line.find('=');
-    if (line.substr(0, kVariable.size()) == kVariable && equals != std::string_view::npos) {
+    if (line.substr(0, sizeof(kVariable) - 1) == kVariable && equals != std::string_view::npos) {
       mac = line.substr(equals + 1, kMacSize);
       return true;
     }
@@ -30,16 +30,16 @@ bool findMac(std::string_view output, std::string& mac) {
 }  // namespace
 
 int readBootloaderMac(std::string& mac) {
-  runShell(std::string("fw_printenv ").append(kVariable) + " >" + kOutputPath + " ");
+  runShell({"fw_printenv ", kVariable, " >", kOutputPath, " "});
   std::string output;
   if (readStatusFile(kOutputPath, output) != 0) {
     return -1;
   }
   const bool found = findMac(output, mac);
-  runShell(std::string("rm ") + kOutputPath);
+  runShell({"rm ", kOutputPath});
   return found ? 0 : -1;
 }
 
-void writeBootloaderMac(const std::string& mac) { runShell("fw_setenv mv_pon_addr  " + mac); }
+void writeBootloaderMac(const std::string& mac) { runShell({"fw_setenv ", kVariable, "  ", mac}); }
 
 }  // namespace onu

@@ -2,36 +2,38 @@
 
 #include "base/debug_trace.h"
 #include "base/fd.h"
+#include "base/text.h"
 #include "device/shell.h"
 #include "device/status_file.h"
 
 namespace onu {
 namespace {
 
-constexpr const char* kCaptured = "/tmp/info_file";
+constexpr char kCaptured[] = "/tmp/info_file";
+constexpr auto kIntoCaptured = join(" > ", kCaptured);
 
 // `output` follows the script's name in the command line. A script that cannot be written leaves
 // clish without one, which changes nothing on the unit.
-void runScript(const std::string& script, const std::string& mode, const std::string& command,
-               const std::string& output) {
+void runScript(const char* script, std::string_view mode, std::string_view command,
+               std::string_view output) {
   {
-    const Fd file = Fd::open(script.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
+    const Fd file = Fd::open(script, O_WRONLY | O_CREAT | O_TRUNC);
     if (file) {
-      writeFully(file.get(), mode + "\n" + command + "\n\nquit\n");
+      writeFully(file.get(), concat({mode, "\n", command, "\n\nquit\n"}));
     }
   }
-  runShell("clish <" + script + output);
-  runShell("rm -f " + script);
+  runShell({"clish <", script, output});
+  runShell({"rm -f ", script});
 }
 
 }  // namespace
 
-void CliRunner::run(const std::string& mode, const std::string& command) {
+void CliRunner::run(std::string_view mode, std::string_view command) {
   runScript("/tmp/TempFile", mode, command, " >/dev/null ");
 }
 
-void CliRunner::runAndCapture(const std::string& mode, const std::string& command) {
-  runScript("/tmp/TmpFile", mode, command, std::string(" > ") + kCaptured);
+void CliRunner::runAndCapture(std::string_view mode, std::string_view command) {
+  runScript("/tmp/TmpFile", mode, command, kIntoCaptured.data());
 }
 
 bool CliRunner::isFecEnabled() {
@@ -41,7 +43,7 @@ bool CliRunner::isFecEnabled() {
     debugTrace("open file info_file  fail !");
     return false;
   }
-  runShell(std::string("rm -f ") + kCaptured);
+  runShell({"rm -f ", kCaptured});
   return answer.find("FEC Enabled") != std::string::npos;
 }
 

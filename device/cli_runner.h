@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <string_view>
 
 namespace onu {
 
@@ -11,10 +11,10 @@ namespace onu {
 class CliRunner {
  public:
   // Discards what clish prints.
-  static void run(const std::string& mode, const std::string& command);
+  static void run(std::string_view mode, std::string_view command);
 
   // Leaves what clish prints in /tmp/info_file, which is the caller's to remove.
-  static void runAndCapture(const std::string& mode, const std::string& command);
+  static void runAndCapture(std::string_view mode, std::string_view command);
 
   // Whether forward error correction is on in the PON MAC, as opposed to the settings. False also
   // when clish did not answer.

@@ -42,7 +42,7 @@ struct EponAllCnt {
 };
 
 // The counters by the names that the pages know, in the order in which the driver prints them.
-constexpr Field<EponAllCnt> kEponCounters[] = {
+inline constexpr Field<EponAllCnt> kEponCounters[] = {
     {"rxFcsFrames", &EponAllCnt::rxFcsFrames},
     {"rxShortFrames", &EponAllCnt::rxShortFrames},
     {"rxLongFrames", &EponAllCnt::rxLongFrames},

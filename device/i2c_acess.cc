@@ -31,8 +31,8 @@ I2cAcess::I2cAcess(std::string path) : path_(std::move(path)) {
   const Fd bus = Fd::open(path_.c_str(), O_RDWR);
   if (!bus) {
     const int error = errno;
-    printErrorLine("In this SFU could not open I2C bus file " + path_ + ", " +
-                   std::strerror(error) + "(" + std::to_string(error) + ")");
+    printErrorLine({"In this SFU could not open I2C bus file ", path_, ", ", std::strerror(error),
+                    "(", std::to_string(error), ")"});
     return;
   }
   probe(bus.get());

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/fd.h"
+#include "base/text.h"
 
 namespace onu {
 
@@ -47,16 +48,13 @@ std::string toJsonObject(const JsonFields& fields) {
 }
 
 void ResponseWriter::sendJsonResponse(std::string_view body) const {
-  constexpr std::string_view kHead =
-      "HTTP/1.0 200 OK\r\nContent-Type: application/json\r\nConnection: close\r\n\r\n";
-  std::string reply;
-  reply.reserve(kHead.size() + body.size() + 1);
-  reply.append(kHead).append(body).push_back('\n');
-  writeFully(STDOUT_FILENO, reply);
+  writeFully(STDOUT_FILENO, concat({"HTTP/1.0 200 OK\r\nContent-Type: application/json\r\n"
+                                    "Connection: close\r\n\r\n",
+                                    body, "\n"}));
 }
 
 void ResponseWriter::sendArray(const JsonFields& fields) const {
-  sendJsonResponse("[" + toJsonObject(fields) + "]");
+  sendJsonResponse(concat({"[", toJsonObject(fields), "]"}));
 }
 
 void ResponseWriter::sendStatusOrPage(int result, std::string_view refusal) const {
@@ -69,16 +67,13 @@ void ResponseWriter::sendStatusOrPage(int result, std::string_view refusal) cons
 
 void ResponseWriter::sendErrorPage(int code, std::string_view message) const {
   const std::string number = std::to_string(code);
-  std::string reply = "HTTP/1.1 ";
-  reply.append(number).append(message).append("\nConnection:close\n<HTML><BODY><p>Error:");
-  reply.append(number).append(" -- ").append(message).append("</p></BODY></HTML>\n");
-  writeFully(STDOUT_FILENO, reply);
+  writeFully(STDOUT_FILENO, concat({"HTTP/1.1 ", number, message,
+                                    "\nConnection:close\n<HTML><BODY><p>Error:", number, " -- ",
+                                    message, "</p></BODY></HTML>\n"}));
 }
 
 void ResponseWriter::printContentType(std::string_view type) const {
-  std::string line = "Content-Type: ";
-  line.append(type.empty() ? "text/html" : type).append("\r\n");
-  writeFully(STDOUT_FILENO, line);
+  writeFully(STDOUT_FILENO, concat({"Content-Type: ", type.empty() ? "text/html" : type, "\r\n"}));
 }
 
 }  // namespace onu

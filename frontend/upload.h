@@ -8,7 +8,7 @@
 namespace onu {
 
 // Where the commands that work on an uploaded file expect it.
-constexpr const char* kUploadPath = "/tmp/recFile";
+inline constexpr char kUploadPath[] = "/tmp/recFile";
 
 // Takes the first file out of a multipart/form-data body as the body arrives, in constant memory.
 //

@@ -59,7 +59,7 @@ int WebDataComm::readRequestText(std::string& text) {
   if (method == RequestMethod::kPost) {
     text.resize(length);
     text.resize(readFully(STDIN_FILENO, text.data(), length));
-    missing_ = length - text.size();
+    isBodyWhole_ = text.size() == length;
     text.resize(std::min(text.find('\0'), text.size()));
     debugTrace("  method = post");
   } else if (method == RequestMethod::kGet) {

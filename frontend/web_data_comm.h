@@ -23,12 +23,12 @@ class WebDataComm {
   int readRequestMethod(std::uint32_t& length, RequestMethod& method) const;
 
   // The query string of a GET or the body of a POST, up to its first zero byte. A body that ends
-  // before its announced length is taken as far as it goes; missingBytes() tells. -1 when the
+  // before its announced length is taken as far as it goes; isBodyWhole() tells. -1 when the
   // method cannot be read.
   int readRequestText(std::string& text);
 
-  // By how many bytes the body that readRequestText has read was shorter than announced.
-  std::size_t missingBytes() const { return missing_; }
+  // Whether the body that readRequestText has read was as long as announced.
+  bool isBodyWhole() const { return isBodyWhole_; }
 
   // Only the first 16 characters of the type count. -1 when CONTENT_TYPE is not set.
   int readContentType(ContentType& type) const;
@@ -48,7 +48,7 @@ class WebDataComm {
   // Where the last received file would lie by its client's name: "/var/" and the name's end. For
   // diagnosis only, it decides nothing.
   std::array<char, 256> area_{};
-  std::size_t missing_ = 0;
+  bool isBodyWhole_ = true;
 };
 
 }  // namespace onu

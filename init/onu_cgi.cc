@@ -33,44 +33,37 @@ constexpr bool kGuarded = true;
 constexpr bool kGuarded = false;  // any text may become a command: that is the interface
 #endif
 
-// The three below return why the request is not carried out, nothing when it is.
+// The three below return why the request is not carried out, null when it is.
 
 // What cannot be a whole form is refused: cut short it is another request, and the unit's memory
 // belongs to the commands.
-std::string readForm(WebDataComm& web, std::string& text) {
+const char* readForm(WebDataComm& web, std::string& text) {
   std::uint32_t length = 0;
   auto method = onu::RequestMethod::kNone;
   if (web.readRequestMethod(length, method) != 0) {
     return "REQUEST_METHOD is not set";
   }
   if (method == onu::RequestMethod::kPost && length > kMaxForm) {
-    return "a form of " + std::to_string(length) + " bytes is announced, at most " +
-           std::to_string(kMaxForm) + " are taken";
+    return "the form is announced with more than 1 MiB";
   }
   web.readRequestText(text);
-  if (web.missingBytes() != 0) {
-    return "the form ends " + std::to_string(web.missingBytes()) +
-           " bytes before its announced length of " + std::to_string(length);
-  }
-  return {};
+  return web.isBodyWhole() ? nullptr : "the form ends before its announced length";
 }
 
-std::string readText(WebDataComm& web, bool upload, std::string& text) {
-  if (!upload) {
-    const std::string failure = readForm(web, text);
-    if (!failure.empty()) {
-      return failure;
-    }
-  } else {
+const char* readText(WebDataComm& web, bool upload, std::string& text) {
+  if (upload) {
     text = web.queryString();
+  } else if (const char* const failure = readForm(web, text)) {
+    return failure;
   }
-  return kGuarded && !onu::isHarmless(text) ? "the request holds what a shell would act on" : "";
+  return kGuarded && !onu::isHarmless(text) ? "the request holds what a shell would act on"
+                                            : nullptr;
 }
 
 // Stores the file of an upload, whole or not at all: it has its name when it is complete, and
 // neither an old nor a partial one may ever reach an import or an upgrade. Nobody else may receive
 // one at the same time; who had to go on without the lock cannot know that.
-std::string receiveUpload(WebDataComm& web) {
+const char* receiveUpload(WebDataComm& web) {
   onu::takeUnitLock();
   if (!onu::unitLockHeld()) {
     return "no upload is received beside another request";
@@ -79,12 +72,12 @@ std::string receiveUpload(WebDataComm& web) {
   ::unlink(onu::kUploadPath);
   errno = 0;
   if (web.receiveFile(kPartialPath) == 0 && std::rename(kPartialPath, onu::kUploadPath) == 0) {
-    return {};
+    return nullptr;
   }
   const int error = errno;
   ::unlink(kPartialPath);
-  return std::string("no upload was received: ") +
-         (error != 0 ? std::strerror(error) : "empty, over 16 MiB or shorter than announced");
+  return error != 0 ? std::strerror(error)
+                    : "the upload is empty, over 16 MiB or shorter than announced";
 }
 
 void nameCommand(const std::string& text) {
@@ -93,9 +86,9 @@ void nameCommand(const std::string& text) {
   onu::setCommandOfComplaints(query.commandNumber);
 }
 
-bool refuse(const onu::ResponseWriter& reply, std::string_view message, const std::string& why) {
+bool refuse(const onu::ResponseWriter& reply, std::string_view message, const char* why) {
   constexpr int kBadRequest = 400;
-  complain({why});
+  complain({message, ": ", why});
   reply.sendErrorPage(kBadRequest, message);
   return false;
 }
@@ -107,16 +100,16 @@ bool readRequest(const onu::ResponseWriter& reply, std::string& text) {
   auto type = onu::ContentType::kForm;
   web.readContentType(type);
   const bool upload = type == onu::ContentType::kMultipart;
-  const std::string refused = readText(web, upload, text);
-  if (refused.empty() && !upload) {
+  const char* const refused = readText(web, upload, text);
+  if (refused == nullptr && !upload) {
     return true;
   }
   nameCommand(text);
-  if (!refused.empty()) {
+  if (refused != nullptr) {
     return refuse(reply, "read request fail", refused);
   }
-  const std::string lost = receiveUpload(web);
-  return lost.empty() || refuse(reply, "receive file fail", lost);
+  const char* const lost = receiveUpload(web);
+  return lost == nullptr || refuse(reply, "receive file fail", lost);
 }
 
 }  // namespace

@@ -29,22 +29,22 @@ void storeMac(const std::string& mac) {
   // The factory file replaces the settings just written: the unit starts from it with the new
   // address in the bootloader environment.
   if (onu::ConfigData::getInstance().setMac(mac) == 0) {
-    const std::string settings = onu::kMainSettingsPath;
-    runShell(std::string("cp -f ") + onu::kFactorySettingsPath + "  " +
-             settings.substr(0, settings.rfind('/') + 1));
+    const std::string_view settings = onu::kMainSettingsPath;
+    runShell(
+        {"cp -f ", onu::kFactorySettingsPath, "  ", settings.substr(0, settings.rfind('/') + 1)});
   }
-  printLine("mv_pon_addr =" + mac);
+  printLine({"mv_pon_addr =", mac});
 }
 
 // Up with the factory address first, so that the unit can be reached whatever the settings hold.
 void bringUpInterface(onu::IpInfo& ip) {
-  runShell("ifconfig eth0 192.168.1.1  netmask 255.255.255.0 up");
+  runShell({"ifconfig eth0 192.168.1.1  netmask 255.255.255.0 up"});
   if (onu::ConfigData::getInstance().getIpInfo(ip) != 0) {
-    printLine(" IP = 192.168.1.1");
+    printLine({" IP = 192.168.1.1"});
     return;
   }
-  runShell("ifconfig eth0 " + ip.ipAddress + " netmask " + ip.netMask + " up");
-  printLine(" IP = " + ip.ipAddress);
+  runShell({"ifconfig eth0 ", ip.ipAddress, " netmask ", ip.netMask, " up"});
+  printLine({" IP = ", ip.ipAddress});
 }
 
 void reconcileMac(const std::string& settingsMac) {
@@ -54,11 +54,11 @@ void reconcileMac(const std::string& settingsMac) {
   }
   if (mac.compare(0, kPlaceholderPrefix.size(), kPlaceholderPrefix) == 0) {
     onu::writeBootloaderMac(settingsMac);
-    runShell("/sbin/reboot");
+    runShell({"/sbin/reboot"});
   } else if (mac != settingsMac) {
     onu::takeUnitLock();
     onu::ConfigData::getInstance().setMac(mac);
-    printLine(" onu mac address  = " + mac);
+    printLine({" onu mac address  = ", mac});
   }
 }
 
@@ -66,9 +66,9 @@ void reconcileMac(const std::string& settingsMac) {
 
 int main(int argc, char** argv) {
   try {
-    printLine("");
-    printLine("");
-    printLine("  ***** Init Tevo Prameters **** ");
+    printLine({""});
+    printLine({""});
+    printLine({"  ***** Init Tevo Prameters **** "});
     if (argc == 2) {
       storeMac(argv[1]);
     } else {

@@ -19,8 +19,9 @@ from xml.etree import ElementTree
 
 import flash as chip
 from jffs2 import Damaged, Image
-from machine import CGI, Machine, Parts, Trouble, form
+from machine import Machine, Parts, Trouble
 from replay import settings_archive
+from web import CGI, form
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 MAIN, TPM = "xml/tevo_xml_cfg_file.xml", "xml_params/tpm_xml_cfg_file.xml"

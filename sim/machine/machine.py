@@ -16,8 +16,8 @@ import threading
 import time
 
 import flash as chip
+from web import CGI, fetch, free_port
 
-CGI = "/cgi-bin/onu-cgi"
 # Neither the ciphers' self-tests nor the certificates of modules: they are half of a start.
 KERNEL_OPTIONS = ("console=ttymxc1 quiet panic=1 rdinit=/sbin/init cryptomgr.notests=1 "
                   "initcall_blacklist=load_system_certificate_list")
@@ -40,37 +40,6 @@ class Parts:
         self.kernel = os.path.join(options.board, "vmlinuz")
         self.tree = os.path.join(options.board, "unit.dtb")
         self.image = options.image
-
-
-def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
-
-
-def fetch(port, path, body=None, headers=None, method=None, announced=None, timeout=60):
-    """The whole answer of a web server on this machine: status line, headers and body. `announced`
-    is the length to claim for the body where that is not the truth."""
-    head = f"{method or ('GET' if body is None else 'POST')} {path} HTTP/1.0\r\n"
-    for name, value in (headers or {}).items():
-        head += f"{name}: {value}\r\n"
-    if body is not None:
-        head += f"Content-Length: {len(body) if announced is None else announced}\r\n"
-    with socket.create_connection(("127.0.0.1", port), timeout=timeout) as connection:
-        connection.sendall(head.encode() + b"\r\n" + (body or b""))
-        if announced is not None:
-            connection.shutdown(socket.SHUT_WR)
-        answer = b""
-        while block := connection.recv(65536):
-            answer += block
-    return answer
-
-
-def form(content, name="file"):
-    """The body and header of an upload."""
-    body = (f'--x\r\nContent-Disposition: form-data; name="file"; filename="{name}"\r\n\r\n'.encode()
-            + content + b"\r\n--x--\r\n")
-    return {"body": body, "headers": {"Content-Type": "multipart/form-data; boundary=x"}}
 
 
 def serial_line(path, timeout):
@@ -124,13 +93,14 @@ class Monitor:
     def __init__(self, path):
         self.lines = serial_line(path, 20).makefile("rwb")
         self.resets = 0
+        self.events = set()
         self._read()  # the greeting
         self.ask("qmp_capabilities")
 
     def _read(self):
         message = json.loads(self.lines.readline() or b'{"error": "qemu has ended"}')
-        if message.get("event") == "RESET":
-            self.resets += 1
+        self.events.add(message.get("event"))
+        self.resets += message.get("event") == "RESET"
         return message
 
     def ask(self, command, **arguments):
@@ -142,6 +112,16 @@ class Monitor:
                 return message["return"]
             if "error" in message:
                 raise Trouble(f"{command}: {message['error']}")
+
+    def wait_for(self, event, timeout):
+        """Until qemu tells of it; whatever it was asked before is answered by then."""
+        deadline = time.monotonic() + timeout
+        while event not in self.events:
+            if time.monotonic() > deadline:
+                raise Trouble(f"there is no {event}")
+            time.sleep(0.1)
+            self.ask("query-status")
+        self.events.clear()
 
     def human(self, line):
         return self.ask("human-monitor-command", **{"command-line": line})

@@ -11,7 +11,8 @@ import tempfile
 import time
 
 import flash as chip
-from machine import CGI, HERE, Machine, Parts, fetch, form, free_port
+from machine import HERE, Machine, Parts
+from web import CGI, fetch, form, free_port
 
 MAIN = "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml"
 FOLDERS = ["/etc/xml_params", "/var/tevo/website/www/xml", "/sys/devices/platform/tpm/cfg_traffic",

@@ -7,7 +7,8 @@ import sys
 import time
 
 import flash as chip
-from machine import CGI, Machine, Parts, Trouble
+from machine import Machine, Parts, Trouble
+from web import CGI
 
 GUIDE = """The unit answers at {url}
 Its flash is {flash}, kept until a start with --factory

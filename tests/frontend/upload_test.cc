@@ -89,15 +89,16 @@ TEST_F(Uploads, FailWithoutDispatch) {
     writeFile(kUpload, "stale");
     const Outcome outcome = cgi(request);
     EXPECT_EQ(outcome.out, errorPage(400, "receive file fail"));
-    EXPECT_EQ(outcome.err,
-              "onu-cgi: command 8: no upload was received: empty, over 16 MiB or shorter than "
-              "announced\n");
+    EXPECT_EQ(
+        outcome.err,
+        "onu-cgi: command 8: receive file fail: the upload is empty, over 16 MiB or shorter than "
+        "announced\n");
     EXPECT_FALSE(exists(kUpload)) << request.environment["CONTENT_LENGTH"];
   }
   std::filesystem::create_symlink("/dev/full", "/tmp/.recFile");
   const Outcome full = cgi(upload("cmd_id=8", body));
   EXPECT_EQ(full.out, errorPage(400, "receive file fail"));
-  EXPECT_EQ(full.err, "onu-cgi: command 8: no upload was received: No space left on device\n");
+  EXPECT_EQ(full.err, "onu-cgi: command 8: receive file fail: No space left on device\n");
 }
 
 TEST_F(Uploads, StoredNameOverlapsItsPrefix) {

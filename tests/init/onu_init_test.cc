@@ -90,6 +90,8 @@ TEST_F(Init, StopsWithoutABootloaderAddress) {
     EXPECT_EQ(init().out, kFactoryIp + out) << tool;
   }
   fs::rename("/bin/kept", "/bin/fw_printenv");
+  fs::create_symlink("/nowhere/at/all", "/tmp/mac.txt");
+  EXPECT_EQ(init().out, kFactoryIp) << "no file for what the tool prints";
 }
 
 TEST_F(Init, StoresTheAddressItIsGiven) {
