@@ -88,6 +88,26 @@ void writeShape(benchmark::State& state, Shape shape, std::size_t base) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * input.size()));
 }
 
+// Children of names of their own are added behind each other and cut from the last one on.
+void editChildren(benchmark::State& state) {
+  std::vector<std::string> names(static_cast<std::size_t>(state.range(0)) * 500);
+  for (std::size_t i = 0; i != names.size(); ++i) {
+    names[i] = "e" + std::to_string(i);
+  }
+  for (auto _ : state) {
+    char root[] = "<a/>";
+    onu::xml::Document document(onu::xml::parseStr(root, sizeof(root) - 1));
+    std::vector<onu::xml::XmlNode*> added;
+    for (const std::string& name : names) {
+      added.push_back(onu::xml::addChild(document.node(), name.c_str(), 0));
+    }
+    for (; !added.empty(); added.pop_back()) {
+      onu::xml::cut(added.back());
+    }
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * 2 * names.size()));
+}
+
 double secondsPerRun(ParseFunction run, Input& input, std::size_t times) {
   auto start = std::chrono::steady_clock::now();
   for (std::size_t i = 0; i < times; ++i) {
@@ -124,13 +144,15 @@ void registerAll() {
     }
   }
   benchmark::RegisterBenchmark("heap", heapPerByte)->Arg(2048)->Arg(20480)->Arg(1048576);
+  benchmark::RegisterBenchmark("grow_edit", editChildren)->RangeMultiplier(2)->Range(1, 16);
   constexpr struct {
     const char* name;
     Shape shape;
     std::size_t base;
-  } kShapes[] = {{"same_names", sameNames, 500},   {"other_names", otherNames, 500},
-                 {"near_names", nearNames, 500},   {"nested", nested, 500},
-                 {"text_pieces", textPieces, 500}, {"attributes", manyAttributes, 500}};
+  } kShapes[] = {{"same_names", sameNames, 500},        {"other_names", otherNames, 500},
+                 {"near_names", nearNames, 500},        {"nested", nested, 500},
+                 {"text_pieces", textPieces, 500},      {"attributes", manyAttributes, 500},
+                 {"document_types", documentTypes, 500}};
   for (const auto& shape : kShapes) {
     std::string name = shape.name;
     benchmark::RegisterBenchmark(("grow_parse/" + name).c_str(), parseShape, shape.shape,

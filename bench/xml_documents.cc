@@ -101,3 +101,12 @@ std::string manyAttributes(std::size_t n) {
   }
   return tag + "></root>";
 }
+
+std::string documentTypes(std::size_t n) {
+  std::string types;
+  for (std::size_t i = 1000000; n-- != 0; ++i) {
+    types +=
+        "<!DOCTYPE root [<!ENTITY e" + std::to_string(i) + " '&e" + std::to_string(i + 1) + ";'>]>";
+  }
+  return types + inRoot("");
+}

@@ -1,4 +1,4 @@
-// Settings files of three sizes and the five shapes whose cost must grow linearly.
+// Settings files of any size and the shapes whose cost must grow linearly.
 #pragma once
 
 #include <cstddef>
@@ -15,6 +15,9 @@ std::string otherNames(std::size_t n);
 std::string nested(std::size_t n);
 std::string textPieces(std::size_t n);
 std::string manyAttributes(std::size_t n);
+
+// As many document types, each with an entity that refers to the next one's.
+std::string documentTypes(std::size_t n);
 
 // Long names that differ in the highest bits of their words alone, as names do which are made to
 // collide.

@@ -1,5 +1,7 @@
 #include "xml/doctype.h"
 
+#include <algorithm>
+
 #include "xml/scan.h"
 
 namespace onu::xml::internal {
@@ -75,7 +77,6 @@ const char* Doctype::subsetEnd(const char* p, const char* e) {
 DoctypeError Doctype::read(std::string_view subset) {
   SubsetSource source(subset, entities_);
   declarations(source);
-  isFreeOfCircles(true);
   return error_;
 }
 
@@ -154,11 +155,8 @@ bool Doctype::entity(SubsetSource& source) {
   }
   const std::string_view text = decodedCopy(value, Mode::kEntity);
   EntityTable& table = isParameter ? entities_.parameter : entities_.general;
-  if (!table.add({fullName, text, place, declared_})) {
-    return true;
-  }
-  ++declared_;
-  return isFreeOfCircles(false);
+  return !table.add({fullName, text}) || !table.isNewestCircular() ||
+         fail(place, "circular entity declaration &%s", fullName);
 }
 
 bool Doctype::attributeList(SubsetSource& source) {
@@ -238,7 +236,7 @@ void Doctype::addDefault(Token element, Token name, Token value, Mode mode) {
   ElementDefaults& defaults = defaults_[list];
   if (defaults.places.add(name) == defaults.attributes.size()) {
     const char* const key = root_.texts.copy(name.data(), name.size());
-    defaults.attributes.push_back({key, decodedCopy(value, mode).data(), mode, declared_});
+    defaults.attributes.push_back({key, decodedCopy(value, mode).data(), mode});
   }
 }
 
@@ -254,36 +252,13 @@ bool Doctype::fail(const char* place, const char* message, std::string_view argu
   return false;
 }
 
-// A circle is the error of the declaration that closes it, even where it is found later: what
-// stands behind that declaration does not hold.
-bool Doctype::isFreeOfCircles(bool now) {
-  const Entity* first = entities_.general.firstCircular(now);
-  const Entity* other = entities_.parameter.firstCircular(now || first != nullptr);
-  if (first == nullptr && other != nullptr) {
-    first = entities_.general.firstCircular(true);
-  }
-  if (first == nullptr || (other != nullptr && other->order < first->order)) {
-    first = other;
-  }
-  if (first == nullptr) {
-    return true;
-  }
-  held_ = first->order;
-  return fail(first->place, "circular entity declaration &%s", first->name);
-}
-
 void Doctype::publish() const {
   const auto& general = entities_.general.all();
   const char** entity =
       root_.words.array<const char*>(2 * (kPredefinedEntities + general.size()) + 1);
   root_.ent = entity;
-  for (std::size_t i = 0; i < 2 * kPredefinedEntities; ++i) {
-    *entity++ = root_.predefined[i];
-  }
+  entity = std::copy_n(root_.predefined, 2 * kPredefinedEntities, entity);
   for (const Entity& declared : general) {
-    if (declared.order > held_) {
-      break;
-    }
     *entity++ = declared.name.data();
     *entity++ = declared.value.data();
   }
@@ -292,28 +267,17 @@ void Doctype::publish() const {
   const char*** lists = root_.words.array<const char**>(defaults_.size() + 1);
   root_.attr = lists;
   for (const ElementDefaults& defaults : defaults_) {
-    if (defaults.attributes.front().order > held_) {
-      break;
+    const char** text = root_.words.array<const char*>(2 + 3 * defaults.attributes.size());
+    *lists++ = text;
+    *text++ = defaults.element;
+    for (const Default& attribute : defaults.attributes) {
+      *text++ = attribute.name;
+      *text++ = attribute.value;
+      *text++ = attribute.mode == Mode::kTokens ? "*" : " ";
     }
-    *lists++ = publish(defaults);
+    *text = nullptr;
   }
   *lists = nullptr;
-}
-
-const char** Doctype::publish(const ElementDefaults& defaults) const {
-  const char** list = root_.words.array<const char*>(2 + 3 * defaults.attributes.size());
-  const char** text = list;
-  *text++ = defaults.element;
-  for (const Default& attribute : defaults.attributes) {
-    if (attribute.order > held_) {
-      break;
-    }
-    *text++ = attribute.name;
-    *text++ = attribute.value;
-    *text++ = attribute.mode == Mode::kTokens ? "*" : " ";
-  }
-  *text = nullptr;
-  return list;
 }
 
 }  // namespace onu::xml::internal

@@ -41,7 +41,6 @@ class Doctype {
     const char* name;
     const char* value;
     Mode mode;
-    std::size_t order;  // how many declarations of entities stood before it
   };
   struct ElementDefaults {
     const char* element;
@@ -59,8 +58,6 @@ class Doctype {
   void addDefault(Token element, Token name, Token value, Mode mode);
   std::string_view decodedCopy(Token value, Mode mode);
   bool fail(const char* place, const char* message, std::string_view argument = {});
-  bool isFreeOfCircles(bool now);
-  const char** publish(const ElementDefaults& defaults) const;
 
   RootImpl& root_;
   Decoder& decoder_;
@@ -68,8 +65,6 @@ class Doctype {
   std::vector<ElementDefaults> defaults_;
   NameTable places_;  // of elements in defaults_
   DoctypeError error_;
-  std::size_t declared_ = 0;                         // entities so far
-  std::size_t held_ = static_cast<std::size_t>(-1);  // what stands behind so many does not hold
   bool isWellFormed_ = true;  // quotes and comments say where a subset does not end
 };
 

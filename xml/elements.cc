@@ -21,6 +21,25 @@ void Parser::run() {
   end();
 }
 
+void Parser::end() {
+  if (!failed_ && top_ != nullptr) {
+    fail(stop_, "unclosed tag <%s>", {top_->node->name, top_->nameLength});
+  }
+  if (!failed_ && !hasRoot()) {
+    fail(stop_, "root tag missing");
+  }
+  root_.cur = top_ == nullptr ? nullptr : top_->node;
+  while (top_ != nullptr) {
+    close();
+  }
+  if (!instructions_.empty()) {
+    publishInstructions();
+  }
+  if (doctype_ != nullptr) {
+    doctype_->publish();
+  }
+}
+
 // Takes the character data at p. Data that no markup follows is no content.
 inline char* Parser::content(char* p) {
   if (top_ == nullptr || p == e_) {
@@ -51,7 +70,7 @@ char* Parser::startTag(char* p) {
     if (p == nullptr) {
       return nullptr;
     }
-    array = attributeArray();
+    array = pairs_.empty() ? array : attributeArray();
   }
   const bool isEmpty = tagEnd == '/';
   if (isEmpty ? peek(p + 1) != '>' : tagEnd != '>') {
@@ -85,17 +104,19 @@ char* Parser::startTag(char* p) {
 // NUL at the end of the data. p_ is nullptr after an error.
 char Parser::attributes(char* p, std::string_view element) {
   pairs_.clear();
-  for (;;) {
-    p_ = doctype_ == nullptr ? plainAttributes(p) : p;
-    char c = *p_;
+  p_ = p;
+  char c = *p_;
+  while (c != '>' && c != '/') {
+    p_ = doctype_ == nullptr ? plainAttributes(p_) : p_;
+    c = *p_;
     if (c != '>' && c != '/') {
       c = oddAttribute(element);
+      if (c == '\0') {
+        break;
+      }
     }
-    if (c == '>' || c == '/' || c == '\0') {
-      return c;
-    }
-    p = p_;
   }
+  return c;
 }
 
 // Takes attributes of the usual form: a name and a value in double quotes that needs no decoding.
@@ -168,9 +189,6 @@ const char** Parser::attributeArray() {
   constexpr std::size_t kShared = sizeof(kAllBorrowed) - 1;
   static_assert(kAllBorrowed[0] == kBorrowed);
   const std::size_t count = pairs_.size();
-  if (count == 0) {
-    return noAttributes();
-  }
   const char* owners = kAllBorrowed + kShared - std::min(count, kShared);
   if (count > kShared) {
     owners = root_.texts.copy(std::string(count, kBorrowed).data(), count);
@@ -317,7 +335,7 @@ inline void Parser::open(XmlNode* node, std::size_t nameLength) {
   top_ = next;
 }
 
-void Parser::close() {
+inline void Parser::close() {
   XmlNode* const node = top_->node;
   if (top_->pieces != kNoPieces) {
     piecesEnd_ = pieces_.data() + top_->pieces;

@@ -11,8 +11,6 @@ namespace onu::xml::internal {
 struct Entity {
   std::string_view name;  // with its ";", and a NUL behind that
   std::string_view value;
-  const char* place;  // of the declaration in the input
-  std::size_t order;  // how many declarations of entities stood before it
 };
 
 // General or parameter entities in the order declared. Texts are not copied.
@@ -27,25 +25,20 @@ class EntityTable {
   // Keeps the first declaration of a name. False when there was one.
   bool add(const Entity& entity);
 
-  // The first declaration that made an entity refer to itself, directly or through others; nullptr
-  // when none did. Looks at once for the newest's references to itself, and for circles through
-  // others whenever all texts are twice as long as the last time or `now`: a look per declaration
-  // would cost the square of their length.
-  const Entity* firstCircular(bool now);
+  // Whether the newest refers to itself, directly or through others: to be asked once for each. A
+  // byte declared pays for looking at 64, so that the cost stays linear; only in a file made for it
+  // does that not do, and then the circle is no error, but ends with the budget of its expansion.
+  bool isNewestCircular();
 
   const std::vector<Entity>& all() const { return entities_; }
 
  private:
-  bool refersToItself(std::size_t entity) const;
-  bool hasCircle(std::size_t count) const;
-  std::size_t nextReference(const Entity& from, std::size_t* position) const;
-
   char sign_;
   std::vector<Entity> entities_;
-  NameTable places_;             // in entities_
-  std::size_t cost_ = 0;         // of looking for circles in all
-  std::size_t checkedCost_ = 0;  // when it was done last
-  std::size_t checked_ = 0;      // entities among which there are none
+  NameTable places_;               // in entities_
+  NameTable awaited_;              // names that were referred to before they were declared
+  std::vector<std::size_t> seen_;  // the newest entity for which each was looked at
+  std::size_t looks_ = 0;          // bytes that may be looked at yet
 };
 
 // All entities a document declares. References past the budget stay as written, so that a small

@@ -97,8 +97,8 @@ char* Arena::copy(const char* from, std::size_t length) {
 
 RootImpl* newRoot(char* data, std::size_t length) {
   auto* const root = new RootImpl();
-  // In a settings file elements and arrays take as many bytes as it has on a 32-bit machine.
-  root->words.expect(std::clamp<std::size_t>(length / 8 * sizeof(void*), 512, 16384));
+  // Two to four blocks of elements for a settings file, and not much of the last one unused.
+  root->words.expect(std::clamp<std::size_t>(length / 2, 512, 16384));
   root->texts.expect(std::clamp<std::size_t>(length / 8, 256, 16384));
   root->m = data;
   root->len = static_cast<std::ptrdiff_t>(length);

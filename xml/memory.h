@@ -31,8 +31,9 @@ void release(const void* memory);
 inline constexpr const char* kNoAttributes[] = {nullptr, ""};
 inline const char** noAttributes() { return const_cast<const char**>(kNoAttributes); }
 
-// Memory of a document that is released with it, from blocks: an element costs six instructions
-// here, malloc and free of it some two hundred.
+// Memory of a document that is released with it, from blocks. With an allocation for each element,
+// array and text, 23 KiB of settings take 21.5 instructions a byte to parse and free on the unit
+// instead of 13.1, and the main file of 3.2 KiB 14.0 instead of 10.5 (script/bench machine).
 class Arena {
  public:
   Arena() = default;

@@ -44,25 +44,6 @@ Parser::Parser(RootImpl& root)
                                         12 * sizeof(Open), 8192));
 }
 
-void Parser::end() {
-  if (!failed_ && top_ != nullptr) {
-    fail(stop_, "unclosed tag <%s>", {top_->node->name, top_->nameLength});
-  }
-  if (!failed_ && !hasRoot()) {
-    fail(stop_, "root tag missing");
-  }
-  root_.cur = top_ == nullptr ? nullptr : top_->node;
-  while (top_ != nullptr) {
-    close();
-  }
-  if (!instructions_.empty()) {
-    publishInstructions();
-  }
-  if (doctype_ != nullptr) {
-    doctype_->publish();
-  }
-}
-
 // The first byte wanted at or after p, or the end of the data.
 char* Parser::find(char* p, char wanted) const {
   if (p == e_) {

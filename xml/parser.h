@@ -62,6 +62,7 @@ class Parser {
   char* closing(char* text, std::string_view mark) const;
 
   // elements.cc: what most of the input is made of, together for speed
+  void end();
   char* startTag(char* p);
   char attributes(char* p, std::string_view element);
   char* plainAttributes(char* p);
@@ -94,7 +95,6 @@ class Parser {
   char* documentType(char* p);
   char* internalSubset(char* p, char* start);
   char* instruction(char* p);
-  void end();
   void publishInstructions();
   Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
   // The argument stands in for the "%s" of the message. Always nullptr.

@@ -1,7 +1,7 @@
-// What each byte ends or begins, told by one look into a table.
-//
-// This is how the tree reads and writes: the unit's processor has no vector instructions, and four
-// bytes of a word at a time cost as much there as the table does, about four instructions a byte.
+// What each byte ends or begins, told by one look into a table: four instructions a byte, loop
+// included, on the unit's processor, which has no vector instructions. Where it was done with those
+// of a PC and a byte at a time elsewhere, 23 KiB of settings took 24.9 instructions a byte to parse
+// on the unit instead of 13.1, and 18.7 to write instead of 11.9 (script/bench machine).
 #pragma once
 
 #include <array>

@@ -246,13 +246,13 @@ char* Serialiser::defaults(char* at, const XmlNode& node, std::size_t count) {
   }
   for (const char** text = root_.attr[list] + 1; *text != nullptr; text += 3) {
     if (!isCarried(node, count, text[0])) {
-      const std::size_t bytes = std::strlen(text[0]) + std::strlen(text[1]);
-      if (bytes >= budget_) {
+      if (std::strlen(text[0]) + std::strlen(text[1]) >= budget_) {
         budget_ = 0;
         break;
       }
-      budget_ -= bytes;
+      const std::size_t before = out_.size(at);
       at = attribute(at, text[0], text[1]);
+      budget_ -= std::min(budget_, out_.size(at) - before);
     }
   }
   return at;
