@@ -92,13 +92,15 @@ class Parser {
   char* declaration(char* p);
   char* comment(char* p);
   char* characterData(char* p);
+  Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
+  // The argument stands in for the "%s" of the message. Always nullptr.
+  char* fail(const char* place, std::string_view message, std::string_view argument = {});
+
+  // prolog.cc
   char* documentType(char* p);
   char* internalSubset(char* p, char* start);
   char* instruction(char* p);
   void publishInstructions();
-  Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
-  // The argument stands in for the "%s" of the message. Always nullptr.
-  char* fail(const char* place, std::string_view message, std::string_view argument = {});
 
   RootImpl& root_;
   char* e_;
