@@ -62,16 +62,16 @@ class Parser {
   char* closing(char* text, std::string_view mark) const;
 
   // elements.cc: what most of the input is made of, together for speed
-  [[gnu::cold]] void end();
+  void end();
   char* startTag(char* p);
   char attributes(char* p, std::string_view element);
   char* plainAttributes(char* p);
-  [[gnu::cold]] char oddAttribute(std::string_view element);
+  char oddAttribute(std::string_view element);
   const char* attributeValue(std::string_view element, const char* name);
   const char** attributeArray();
   char* endTag(char* p);
   char* behindEndTag(char* p, const char* name, std::size_t length) const;
-  [[gnu::cold]] char* behindOddEndTag(char* p);
+  char* behindOddEndTag(char* p);
   char* content(char* p);
   void appendText(char* text, std::size_t length);
   void appendPiece(const char* text, std::size_t length);
@@ -80,26 +80,27 @@ class Parser {
   void link(Node* node, std::size_t length);
   static void appendSame(Node* first, Node* node);
   static Node* findGroup(XmlNode* first, const char* name, std::size_t length);
-  [[gnu::cold]] static void regroup(XmlNode* parent);
+  static void regroup(XmlNode* parent);
   void open(XmlNode* node, std::size_t nameLength);
   void close();
 
   // parse.cc: the rest; other markup returns the place behind it
   char* otherMarkup(char* p);
   char* oddContent(char* text, char* odd);
-  [[gnu::cold]] char* outsideContent(char* text);
+  char* outsideContent(char* text);
   char* markupAt(char* p);
-  [[gnu::cold]] char* declaration(char* p);
-  [[gnu::cold]] char* comment(char* p);
-  [[gnu::cold]] char* characterData(char* p);
-  [[gnu::cold]] char* documentType(char* p);
-  [[gnu::cold]] char* internalSubset(char* p, char* start);
-  [[gnu::cold]] char* instruction(char* p);
-  [[gnu::cold]] void publishInstructions();
+  char* declaration(char* p);
+  char* comment(char* p);
+  char* characterData(char* p);
   Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
   // The argument stands in for the "%s" of the message. Always nullptr.
-  [[gnu::cold]] char* fail(const char* place, std::string_view message,
-                           std::string_view argument = {});
+  char* fail(const char* place, std::string_view message, std::string_view argument = {});
+
+  // prolog.cc
+  char* documentType(char* p);
+  char* internalSubset(char* p, char* start);
+  char* instruction(char* p);
+  void publishInstructions();
 
   RootImpl& root_;
   char* e_;

@@ -108,7 +108,7 @@ class Serialiser {
 
   char* subtree(char* at, const XmlNode& top);
   // The instructions that stood on one side of the root element.
-  [[gnu::cold]] char* instructions(char* at, char side, const char* before, const char* behind);
+  char* instructions(char* at, char side, const char* before, const char* behind);
 
  private:
   // An element whose start tag is written.
@@ -124,7 +124,7 @@ class Serialiser {
   char* end(char* at, const XmlNode& node, const char* text);
   char* attributes(char* at, const XmlNode& node);
   char* attribute(char* at, const char* name, const char* value);
-  [[gnu::cold]] char* defaults(char* at, const XmlNode& node, std::size_t count);
+  char* defaults(char* at, const XmlNode& node, std::size_t count);
   bool isCarried(const XmlNode& node, std::size_t count, const char* name) const;
 
   // An element's attributes up to so many are compared one by one, more are in carried_.
