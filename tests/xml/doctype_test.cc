@@ -21,6 +21,7 @@ TEST(Subset, Declares) {
             "<a>12a text longer than its reference3a text longer than its reference</a>"},
            {"<!ENTITY e SYSTEM 'u>'><!ENTITY f PUBLIC 'p' 'u' NDATA n>", "<a>&e;</a>",
             "<a>&amp;e;</a>"},
+           {"<!NOTATION n SYSTEM '><!ENTITY e \"1\">'><!ENTITY e '2'>", "<a>&e;</a>", "<a>2</a>"},
            {"<!ENTITY e '<b>]>'>", "<a>&e;</a>", "<a>&lt;b&gt;]&gt;</a>"},
            {"<!ENTITY e '1\t2&#9;'>", "<a b='&e;'/>", "<a b=\"1 2&#x9;\"></a>"},
            {"<!ENTITY % p 'x'><!ENTITY e '%p;%q;100%'>", "<a>&e;</a>", "<a>x%q;100%</a>"},

@@ -99,6 +99,7 @@ TEST(ErrorLine, CountsTheInputsOwnLineFeeds) {
   Parsed document(
       "<?p\n\n q?>\r\n<a\nb\n=\n'1\r\n\t2'>3\r\n&#10;4\r5<![CDATA[\n]]>\n<!--\n\n-->\n</b>");
   EXPECT_EQ(document.error(), "[error near line 14]: unexpected closing tag </b>");
+  EXPECT_EQ(Parsed("<a>&#10;</b>").error(), "[error near line 1]: unexpected closing tag </b>");
   EXPECT_EQ(Parsed("<a>\n<b c='\n>\n").error(), "[error near line 2]: missing '");
   EXPECT_EQ(Parsed("\n<!DOCTYPE a [\n<!ENTITY b 'x\ny'>\n<!ATTLIST\n c>\n<!ATTLIST d e>]>").error(),
             "[error near line 7]: malformed <!ATTLIST");
