@@ -85,20 +85,20 @@ TEST(Heap, KeepsBlocksApartAndTakesThemBack) {
 
 // What comes and goes at the end of an area must not cost system calls: one empty area is kept.
 TEST(Heap, GrowsTheLastBlockInPlaceAndReturnsAreas) {
-  void* const small = malloc(kMiB / 8);
-  ASSERT_EQ(realloc(small, kMiB / 16), small);
+  void* const filling = malloc(200000);
+  void* const block = malloc(200000);
+  free(block);
+  EXPECT_TRUE(isMapped(bytesOf(block)));
+  EXPECT_EQ(malloc(200000), block);
+
+  void* const small = malloc(kMiB / 32);
+  ASSERT_EQ(realloc(small, kMiB / 64), small);
   void* const large = realloc(small, 3 * kMiB);
   ASSERT_NE(large, small);
   std::memset(large, 1, 3 * kMiB);
   EXPECT_EQ(realloc(large, 3 * kMiB + 1000), large);
   free(large);
   EXPECT_FALSE(isMapped(bytesOf(large) + kMiB));
-
-  void* const filling = malloc(200000);
-  void* const block = malloc(200000);
-  free(block);
-  EXPECT_TRUE(isMapped(bytesOf(block)));
-  EXPECT_EQ(malloc(200000), block);
   free(block);
   free(filling);
 }
