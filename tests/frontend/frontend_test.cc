@@ -10,13 +10,9 @@
 #include "tests/support/unit.h"
 
 namespace onu::test {
-namespace {
-
-constexpr std::size_t kMaxForm = std::size_t{1} << 20;  // bytes
-
-}  // namespace
 
 TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
+  constexpr std::size_t kMaxForm = std::size_t{1} << 20;  // bytes
   const std::string unknown = errorPage(404, "processor is not find");
   const std::string refused = errorPage(400, "read request fail");
   const std::string counters = reply("cmd_id=8");
