@@ -10,20 +10,9 @@
 #include "tests/support/unit.h"
 
 namespace onu::test {
-namespace {
-
-constexpr std::size_t kMaxForm = std::size_t{1} << 20;  // bytes
-
-// A form that is announced with another length than its own.
-Request announced(const std::string& length, const std::string& body) {
-  Request request = post(body);
-  request.environment["CONTENT_LENGTH"] = length;
-  return request;
-}
-
-}  // namespace
 
 TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
+  constexpr std::size_t kMaxForm = std::size_t{1} << 20;  // bytes
   const std::string unknown = errorPage(404, "processor is not find");
   const std::string refused = errorPage(400, "read request fail");
   const std::string counters = reply("cmd_id=8");
@@ -41,13 +30,13 @@ TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
       {almostUpload, counters},
       {post("cmd_id=8&action=1"), counters},
       {post("cmd_id=8&x=" + std::string(kMaxForm - 11, 'y')), counters},
-      {announced("8", "cmd_id=8888"), counters},
-      {announced("10", "cmd_id=8"), refused,
+      {post("cmd_id=8888", "8"), counters},
+      {post("cmd_id=8", "10"), refused,
        "command 8: " + fail + "the form ends before its announced length"},
-      {announced(largest, "cmd_id=8"), refused, tooLong},
-      {announced("-1", "cmd_id=8"), refused, tooLong},
-      {announced("99999999999999999999", "x"), refused, tooLong},
-      {announced("many", "cmd_id=8"), unknown},
+      {post("cmd_id=8", largest), refused, tooLong},
+      {post("cmd_id=8", "-1"), refused, tooLong},
+      {post("x", "99999999999999999999"), refused, tooLong},
+      {post("cmd_id=8", "many"), unknown},
       {post("x"), unknown},
       {post(std::string("x=1\0&cmd_id=8", 13)), unknown},
       {{{{"REQUEST_METHOD", "POST"}}, "cmd_id=8"}, unknown},
@@ -70,7 +59,7 @@ TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
   // What cannot be read, and what is too long, which is not read at all: its pipe never ends.
   EXPECT_EQ(shell(std::string(kCgi) + " </etc", post("cmd_id=8")).out, refused);
   const std::string endless = std::string("mkfifo /tmp/p; timeout 9 ") + kCgi + " <>/tmp/p";
-  EXPECT_EQ(shell(endless, announced(largest, "")).out, refused);
+  EXPECT_EQ(shell(endless, post("", largest)).out, refused);
 }
 
 TEST_F(Unit, RequestsSurviveAClosedOutput) {

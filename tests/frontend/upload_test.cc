@@ -8,16 +8,15 @@
 namespace onu::test {
 namespace {
 
-constexpr const char* kBoundary = "----WebKitFormBoundaryA1";
+const std::string kBoundary = "----WebKitFormBoundaryA1";
+const std::string kEnd = "\r\n--" + kBoundary + "--\r\n";
 
 std::string part(const std::string& boundary, const std::string& name, const std::string& data) {
   return "--" + boundary + "\r\nContent-Disposition: form-data; name=\"f\"; filename=\"" + name +
          "\"\r\nContent-Type: application/octet-stream\r\n\r\n" + data;
 }
 
-std::string multipart(const std::string& data) {
-  return part(kBoundary, "image.bin", data) + "\r\n--" + kBoundary + "--\r\n";
-}
+std::string multipart(const std::string& data) { return part(kBoundary, "image.bin", data) + kEnd; }
 
 // Every byte value, and line ends of every kind.
 std::string binary(std::size_t size) {
@@ -45,9 +44,8 @@ class Uploads : public Unit {
 
 TEST_F(Uploads, StoreTheDataUnchanged) {
   const std::string line(90, 'b');
-  const std::string field = std::string("--") + kBoundary +
-                            "\r\nContent-Disposition: form-data; name=\"x\"\r\n\r\nvalue\r\n";
-  const std::string end = std::string("\r\n--") + kBoundary + "--\r\n";
+  const std::string field =
+      "--" + kBoundary + "\r\nContent-Disposition: form-data; name=\"x\"\r\n\r\nvalue\r\n";
   for (const std::string& data : {std::string(), std::string("\r\n\r\n\r\r\r\n"), binary(100000),
                                   std::string("\r\n----WebKitFormBoundaryA2\r\n--\r"),
                                   binary(0x1000000 - multipart("").size())}) {
@@ -57,17 +55,17 @@ TEST_F(Uploads, StoreTheDataUnchanged) {
   expectStored(part(kBoundary, "a", "one\r\n") + multipart("two"), "one");
   expectStored("--b\r\nfilename=\"f\"\r\n\r\nX\r\n--b--", "X");
   expectStored(part(kBoundary, "a", "data\r\n----Web"), "data\r\n----Web");
-  expectStored(field + end, "");
+  expectStored(field + kEnd, "");
   expectStored(part(line + line, "a", "x\r\n--" + line) + "\r\n--" + line + line + "--\r\n",
                "x\r\n--" + line);
   expectStored(std::string(5000, '-'), "");
-  expectStored(part(kBoundary, std::string(3000, 'n'), "data") + end, "data");
+  expectStored(part(kBoundary, std::string(3000, 'n'), "data") + kEnd, "data");
 }
 
 // The end of the data, or what looks like it, at every place around the end of a block.
 TEST_F(Uploads, FindTheBoundaryAcrossBlocks) {
   const std::size_t head = part(kBoundary, "image.bin", "").size();
-  const std::string almost = std::string("\r\n--") + kBoundary;
+  const std::string almost = "\r\n--" + kBoundary;
   constexpr std::size_t kBlock = 0x8000;  // as much as is read at once
   for (std::size_t start = kBlock - almost.size() - 2; start <= kBlock + 1; ++start) {
     std::string data = binary(start - head);
@@ -78,6 +76,7 @@ TEST_F(Uploads, FindTheBoundaryAcrossBlocks) {
 }
 
 TEST_F(Uploads, FailWithoutDispatch) {
+  const std::string fail = "onu-cgi: command 8: receive file fail: ";
   const std::string body = multipart("data");
   std::vector<Request> requests = {upload("cmd_id=8", body)};
   requests[0].environment.erase("REQUEST_METHOD");
@@ -89,16 +88,13 @@ TEST_F(Uploads, FailWithoutDispatch) {
     writeFile(kUpload, "stale");
     const Outcome outcome = cgi(request);
     EXPECT_EQ(outcome.out, errorPage(400, "receive file fail"));
-    EXPECT_EQ(
-        outcome.err,
-        "onu-cgi: command 8: receive file fail: the upload is empty, over 16 MiB or shorter than "
-        "announced\n");
+    EXPECT_EQ(outcome.err, fail + "the upload is empty, over 16 MiB or shorter than announced\n");
     EXPECT_FALSE(exists(kUpload)) << request.environment["CONTENT_LENGTH"];
   }
   std::filesystem::create_symlink("/dev/full", "/tmp/.recFile");
   const Outcome full = cgi(upload("cmd_id=8", body));
   EXPECT_EQ(full.out, errorPage(400, "receive file fail"));
-  EXPECT_EQ(full.err, "onu-cgi: command 8: receive file fail: No space left on device\n");
+  EXPECT_EQ(full.err, fail + "No space left on device\n");
 }
 
 TEST_F(Uploads, StoredNameOverlapsItsPrefix) {

@@ -19,19 +19,18 @@ Request get(const std::string& query) {
   return {{{"REQUEST_METHOD", "GET"}, {"QUERY_STRING", query}}, ""};
 }
 
-Request post(const std::string& text) {
+Request post(const std::string& body, const std::string& length) {
   return {{{"REQUEST_METHOD", "POST"},
            {"CONTENT_TYPE", "application/x-www-form-urlencoded"},
-           {"CONTENT_LENGTH", std::to_string(text.size())}},
-          text};
+           {"CONTENT_LENGTH", length.empty() ? std::to_string(body.size()) : length}},
+          body};
 }
 
 Request upload(const std::string& query, const std::string& body, const std::string& length) {
-  return {{{"REQUEST_METHOD", "POST"},
-           {"QUERY_STRING", query},
-           {"CONTENT_TYPE", "multipart/form-data; boundary=x"},
-           {"CONTENT_LENGTH", length.empty() ? std::to_string(body.size()) : length}},
-          body};
+  Request request = post(body, length);
+  request.environment["QUERY_STRING"] = query;
+  request.environment["CONTENT_TYPE"] = "multipart/form-data; boundary=x";
+  return request;
 }
 
 std::string json(const std::string& body) {

@@ -17,8 +17,8 @@ struct Request {
 };
 
 Request get(const std::string& query);
-Request post(const std::string& text);
-// An upload of `body` to a URL with the query string `query`; `length` is announced for its own.
+// A form, and an upload to a URL with a query string; `length` is announced for the body's own.
+Request post(const std::string& body, const std::string& length = "");
 Request upload(const std::string& query, const std::string& body, const std::string& length = "");
 
 // What came of it.
