@@ -26,9 +26,9 @@ endif()
 
 add_library(onu_unit INTERFACE)
 target_link_libraries(onu_unit INTERFACE onu_options)
-# Code and constants in one segment, as ARM has it anyway: less to map at every start.
-target_link_options(onu_unit INTERFACE
-  -Wl,--gc-sections -Wl,-z,relro -Wl,-z,now -Wl,-z,noseparate-code)
+# Read-only relocations would cost up to a page of flash for nothing: a static executable at a fixed
+# address has none, and musl's start-up would not protect them.
+target_link_options(onu_unit INTERFACE -Wl,--gc-sections -Wl,-z,norelro)
 if(NOT ONU_SANITIZE)
   set(unit_script ${PROJECT_SOURCE_DIR}/cmake/unit.ld)
   target_link_options(onu_unit INTERFACE

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace onu::xml::internal {
@@ -56,7 +57,7 @@ void* allocate(std::size_t bytes) { return reallocate(nullptr, bytes); }
 void* reallocate(void* old, std::size_t bytes) {
   void* const memory = std::realloc(old, bytes);
   if (memory == nullptr) {
-    std::abort();
+    throw std::bad_alloc();
   }
   return memory;
 }

@@ -5,7 +5,7 @@
 // the document, and every text of the tree is valid until freeDoc. Operations on no node (nullptr)
 // give nullptr or do nothing; only toXml and error then give an empty text. No name (nullptr) is
 // found nowhere and sets nothing. A document is used by one thread; nothing is shared between
-// documents but constants. Running out of memory ends the process, except while input is read.
+// documents but constants. Running out of memory throws std::bad_alloc, except while input is read.
 //
 // Decided where parsers differ: buffers double as they grow. The length tells where the data ends,
 // or a zero byte before that. References to characters above 0x7FFFFFFF stay as written, and so do

@@ -38,7 +38,8 @@ def rows(unit, title, *groups):
             wall, least, _, resident, anonymous, _, faults = line.split()
             floor = floor or float(wall)
             print(f"{name:26}{float(wall) * 1000:13,.0f}{float(wall) / floor:8.2f}"
-                  f"{float(least) * 1000:13,.0f}{faults:>8}{anonymous:>10}{resident:>9}", flush=True)
+                  f"{float(least) * 1000:13,.0f}{faults:>8}{anonymous:>10}{resident:>9}",
+                  flush=True)
 
 
 def enlarged(text, size):
@@ -85,6 +86,16 @@ def settings(unit):
         rows(unit, f"Main settings of {size} KiB in memory", reads, writes)
 
 
+def memory(unit):
+    """For script/size: the anonymous memory at their exits, in bytes, of a request of one small file
+    and of one that reads main settings of 23 KiB and the profile."""
+    text = unit.run(f"cat {MAIN}").decode()
+    store(unit, MAIN, enlarged(text, 23 * 1024))
+    for name, query in (("cmd_id=8", "cmd_id=8"), ("cmd_id=2,23KiB", "cmd_id=2")):
+        cost = unit.run(f"/bench/spawn_cost 3 -- {request(query)}").decode().split()
+        print(f"unit/{name} {int(cost[4]) * 1024}")
+
+
 def trees(unit):
     files = " ".join(f"main_{size}k /bench/settings_{size}" for size in SIZES)
     print(f"\nThe XML tree, instructions per byte of the document: ours, pugixml's, ratio\n"
@@ -101,6 +112,7 @@ def trees(unit):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     Parts.add_options(parser)
+    parser.add_argument("--memory", action="store_true")
     options = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="onu-bench.") as folder:
         flash = os.path.join(folder, "flash")
@@ -114,7 +126,7 @@ def main():
                 if time.monotonic() > deadline:
                     raise Trouble(f"the unit does not start: {unit.console_text()}")
                 time.sleep(0.2)
-            for section in (requests, settings, trees):
+            for section in (memory,) if options.memory else (requests, settings, trees):
                 section(unit)
 
 

@@ -12,7 +12,7 @@ prepare_machine_bench() {
   rm -rf "$extra"
   mkdir -p "$extra"/{bench,bin,lib}
   # Only the header of this machine's package and the library of the board's.
-  arm-linux-gnueabihf-g++ -std=c++17 -Os -w -DONU_PEER -D_FILE_OFFSET_BITS=64 -I "$root" \
+  arm-linux-gnueabihf-g++ -std=c++17 -Os -w -Wno-psabi -DONU_PEER -D_FILE_OFFSET_BITS=64 -I "$root" \
     "$root"/bench/{machine_xml,xml_documents}.cc -idirafter /usr/include \
     "$board/peers/libpugixml.so.1" -o "$extra/bench/machine_pugixml"
   cp "$build"/{static_floor,spawn_cost,machine_xml} "$root/bench/counters.sh" "$extra/bench/"

@@ -7,6 +7,7 @@ import, which copies files in place, and of the bootloader environment is counte
 
 import argparse
 import collections
+import functools
 import os
 import random
 import struct
@@ -52,9 +53,10 @@ def address(number):
 
 
 def series():
-    return [Series(MAIN, "cmd_id=6&action=1&ip={}&netmask=255.255.0.0", address, "cmd_id=6&action=0"),
-            Series(TPM, "cmd_id=16&action=1&ipv4DsMtu={}&ipv4UsMtu=1&ipv4pppoeUsMtu=1",
-                   lambda number: str(1000 + number * number), "cmd_id=16&action=0")]
+    return [
+        Series(MAIN, "cmd_id=6&action=1&ip={}&netmask=255.255.0.0", address, "cmd_id=6&action=0"),
+        Series(TPM, "cmd_id=16&action=1&ipv4DsMtu={}&ipv4UsMtu=1&ipv4pppoeUsMtu=1",
+               lambda number: str(1000 + number * number), "cmd_id=16&action=0")]
 
 
 def settings(flash):
@@ -128,9 +130,9 @@ def damage(text):
 
 
 def start_copies(parts, folder, copies, count):
-    """Starts units with some of the copies, those that a write was under way in first."""
+    """Starts units with some of the copies: the damaged, then those amid a write."""
     wrong = []
-    chosen = sorted(copies, key=lambda copy: not copy[2])[:count]
+    chosen = sorted(copies, key=lambda copy: (copy[1] == "whole", not copy[2]))[:count]
     for number, (flash, state, _) in enumerate(chosen):
         path = os.path.join(folder, "cut")
         with open(path, "wb") as file:
@@ -169,8 +171,8 @@ def cut_import(parts, folder, count):
         while found.total() < count:
             unit.ask(f"cmd_id=19&pwdold=from_the_archive&pwdnew={found.total()}")
             whole.add(read(settings(unit.copy_flash()[0]), MAIN))
-            for flash in cut_while(unit, count - found.total(),
-                                   lambda: unit.fetch(f"{CGI}?cmd_id=10&action=1", **archive), 0.05):
+            take_over = functools.partial(unit.fetch, f"{CGI}?cmd_id=10&action=1", **archive)
+            for flash in cut_while(unit, count - found.total(), take_over, 0.05):
                 text = read(settings(flash), MAIN)
                 # The new text is a whole one that has not been seen before.
                 found["whole" if text in whole or damage(text) == "a mixture of texts"
@@ -213,7 +215,8 @@ def main():
     Parts.add_options(parser)
     parser.add_argument("--cuts", type=int, default=500)
     parser.add_argument("--starts", type=int, default=10)
-    parser.add_argument("--others", type=int, default=60, help="cuts of an import, of a first start")
+    parser.add_argument("--others", type=int, default=60,
+                        help="cuts of an import, of a first start")
     parser.add_argument("--seed", type=int, default=int(time.time()))
     options = parser.parse_args()
     random.seed(options.seed)
@@ -229,8 +232,8 @@ def main():
         wrong += start_copies(parts, folder, copies, options.starts)
         print(f"{options.starts} units started with such copies", flush=True)
         if options.others:
-            print(f"import, main settings afterwards: {dict(cut_import(parts, folder, options.others))}",
-                  flush=True)
+            left = cut_import(parts, folder, options.others)
+            print(f"import, main settings afterwards: {dict(left)}", flush=True)
             left, broken = cut_initialiser(parts, folder, options.others)
             print(f"first start, bootloader environment afterwards: {dict(left)}", flush=True)
             wrong += broken

@@ -39,13 +39,13 @@ class Stage:
         self.findings = Findings()
 
     @contextlib.contextmanager
-    def unit(self, flash=None, module=REGISTERS):
+    def unit(self, flash=None, modules=(REGISTERS,)):
         """A unit with these bytes as its flash, a new one's without any; up when it is given."""
         with tempfile.TemporaryDirectory(prefix="onu-stage.") as folder:
             path = os.path.join(folder, "flash")
             with open(path, "wb") as file:
                 file.write(flash or chip.factory())
-            with Machine(Parts(self.options), path, module=module) as unit:
+            with Machine(Parts(self.options), path, modules=modules) as unit:
                 unit.wait()
                 yield unit
 

@@ -34,7 +34,7 @@ def partition(flash, number):
 
 
 def environment():
-    """The bootloader environment of a new unit: its sum, then the variables of the simulated one."""
+    """The bootloader environment of a new unit: its sum, the variables of the simulated one."""
     with open(os.path.join(HERE, "../rootfs/etc/u-boot-initial-env"), "rb") as file:
         variables = file.read().replace(b"\n", b"\0") + b"ver=1\0"
     data = (variables + b"\0").ljust(ENV_SIZE - 4, ERASED)
@@ -42,8 +42,8 @@ def environment():
 
 
 def factory():
-    """The flash of a new unit: erased but for the environment. The first start finds no settings and
-    begins with the factory's."""
+    """The flash of a new unit: erased but for the environment. The first start finds no settings
+    and begins with the factory's."""
     flash = bytearray(ERASED * SIZE)
     begin, _ = extent(len(PARTITIONS) - 1)
     flash[begin:begin + ENV_SIZE] = environment()
@@ -60,16 +60,13 @@ QUANTITIES = {  # name: first register, counts of the register pair
 
 
 def module_registers(path):
-    """The 256 registers of the optical module that the simulated unit's register file describes;
-    None when it says that none is plugged in."""
+    """The 256 registers of the optical module that the simulated unit's register file describes."""
     registers = bytearray(256)
     with open(path, encoding="utf-8") as file:
         for line in file:
             words = line.partition("#")[0].split()
             if not words:
                 continue
-            if words == ["fault", "absent"]:
-                return None
             if words[0] == "register":
                 first, *values = (int(word, 0) for word in words[1:])
                 registers[first:first + len(values)] = bytes(values)
@@ -84,8 +81,8 @@ def module_registers(path):
 
 def unit_tree(text):
     """No device keeps its DMA: the firmware of this board's DMA engine is not free, and without it
-    SPI controller and serial lines would wait for ever. The flash gets partitions; the PON driver's
-    and the traffic manager's devices get places in /sys, over which the start mounts their files."""
+    SPI controller and serial lines would wait for ever. The flash gets partitions; the devices of
+    PON driver and traffic manager get places in /sys, over which the start mounts their files."""
     text = re.sub(r"\n\s*dma(s|-names) = [^;]*;", "", text)
     end = text.index("};", text.index("sst,sst25vf016b"))
     nodes = "".join(

@@ -1,6 +1,6 @@
-"""Reads a JFFS2 file system out of a flash image as the kernel does at a mount: every node's sums are
-checked, what fails them is as if it were not there, and of two nodes about the same bytes or the
-same name the one of the higher version counts. (The reader of mtd-utils checks no sums.)
+"""Reads a JFFS2 file system out of a flash image as the kernel does at a mount: every node's sums
+are checked, what fails them is as if it were not there, and of two nodes about the same bytes or
+the same name the one of the higher version counts. (The reader of mtd-utils checks no sums.)
 
 A file whose newest nodes are torn therefore reads as what is left of it: the older nodes, which may
 make an older text, a mixture of both or a file with holes.
@@ -105,8 +105,8 @@ class Image:
     def _take_data(self, at, length):
         fields = INODE_FIELDS.unpack_from(self.image, at + 12)
         inode, version, size, offset = fields[0], fields[1], fields[5], fields[9]
-        packed, unpacked_size, compression, data_sum, node_sum = (fields[10], fields[11], fields[12],
-                                                                  fields[15], fields[16])
+        packed, unpacked_size, compression = fields[10:13]
+        data_sum, node_sum = fields[15:17]
         content = self.image[at + 68:at + 68 + packed]
         if (crc(self.image[at:at + 60]) != node_sum or length < 68 + packed
                 or crc(content) != data_sum):

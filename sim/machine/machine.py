@@ -18,6 +18,7 @@ import time
 import flash as chip
 from web import CGI, fetch, free_port
 
+MODULE = 0x51  # on the I2C bus
 # Neither the ciphers' self-tests nor the certificates of modules: they are half of a start.
 KERNEL_OPTIONS = ("console=ttymxc1 quiet panic=1 rdinit=/sbin/init cryptomgr.notests=1 "
                   "initcall_blacklist=load_system_certificate_list")
@@ -38,7 +39,7 @@ class Parts:
 
     def __init__(self, options):
         self.kernel = os.path.join(options.board, "vmlinuz")
-        self.tree = os.path.join(options.board, "unit.dtb")
+        self.tree = options.image + ".dtb"
         self.image = options.image
 
 
@@ -57,8 +58,8 @@ def serial_line(path, timeout):
 
 
 class BenchLine:
-    """The unit's first serial line: its words as they come, read at once, for qemu stands still when
-    nobody takes a character."""
+    """The unit's first serial line: its words as they come, read at once, for qemu stands still
+    when nobody takes a character."""
 
     def __init__(self, path):
         self.line = serial_line(path, 20)
@@ -130,13 +131,13 @@ class Monitor:
 class Machine:
     """As a context manager: switched on at its beginning, off (by the power switch) at its end.
 
-    `flash` is a file, which the unit changes; `module` the register file of the optical module, None
-    for a unit without one; `counted` makes its clock count instructions, a nanosecond each. `console`
-    gives it this process's terminal."""
+    `flash` is a file, which the unit changes; `modules` are register files of optical modules, of
+    which the first is plugged in, none for a unit without one; `counted` makes its clock count
+    instructions, a nanosecond each; `console` gives it this process's terminal."""
 
-    def __init__(self, parts, flash, port=None, module=None, counted=False, console=False):
+    def __init__(self, parts, flash, port=None, modules=(), counted=False, console=False):
         self.parts, self.flash, self.port = parts, flash, port or free_port()
-        self.module, self.counted, self.console = module, counted, console
+        self.modules, self.counted, self.console = modules, counted, console
         self.folder = tempfile.mkdtemp(prefix="onu-machine.")
         self.process = self.bench = None
 
@@ -167,14 +168,14 @@ class Machine:
             "-qmp", f"unix:{self._path('monitor')},server=on,wait=off",
             "-drive", f"file={self.flash},if=mtd,format=raw",
             "-nic", f"user,id=net,hostfwd=tcp:127.0.0.1:{self.port}-10.0.2.15:80"]
-        registers = chip.module_registers(self.module) if self.module else None
-        if registers:
-            with open(self._path("module"), "wb") as file:
-                # This EEPROM takes two bytes of address, of which a module's reader sends the second.
-                file.write(registers * 256)
-            arguments += ["-drive", f"file={self._path('module')},if=none,id=registers,format=raw",
-                          "-device", "at24c-eeprom,id=module,bus=i2c-bus.0,address=0x51,"
-                          "rom-size=65536,drive=registers"]
+        for number, path in enumerate(self.modules):
+            # This EEPROM takes two bytes of address, of which a module's reader sends the second.
+            image = self._path(f"module{number}")
+            with open(image, "wb") as file:
+                file.write(chip.module_registers(path) * 256)
+            arguments += ["-drive", f"file={image},if=none,id=eeprom{number},format=raw", "-device",
+                          f"at24c-eeprom,id=module{number},bus=i2c-bus.0,rom-size=65536,"
+                          f"address={MODULE + number},drive=eeprom{number}"]
         if self.counted:
             arguments += ["-icount", "shift=0,sleep=off"]
         with open(self._path("qemu"), "wb") as log:
@@ -216,6 +217,16 @@ class Machine:
             content = file.read()
         self.resume()
         return content, seen
+
+    def plug(self, plugged):
+        """Plugs in the module of this number in place of another, None for none: at any other
+        address than its own it is not there. That takes devices that qemu has let go of, which
+        answer nevertheless."""
+        for number in range(len(self.modules)):
+            address = MODULE if number == plugged else MODULE + 16 + number
+            for name, value in (("realized", False), ("address", address)):
+                self.monitor.ask("qom-set", path=f"/machine/peripheral/module{number}",
+                                 property=name, value=value)
 
     # Through the network.
 

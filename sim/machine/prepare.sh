@@ -1,8 +1,8 @@
-# What script/machine and script/replay, which have read script/common.sh, need before a virtual unit
-# can start. Sets `parts`, the words that tell Python where the parts lie.
+# What script/machine and script/replay, which have read script/common.sh, need before a virtual
+# unit can start. Sets `parts`, the words that tell Python where the parts lie.
 # shellcheck shell=bash disable=SC2154
 
-machine_packages="qemu-system-arm device-tree-compiler cpio kmod busybox-static python3
+machine_packages="qemu-system-arm device-tree-compiler cpio kmod busybox-static curl python3
   g++-arm-linux-gnueabihf"
 
 # Builds what goes onto a unit and packs it. Ends with status 77 where a part cannot be had.

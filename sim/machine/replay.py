@@ -4,6 +4,7 @@ of it. See script/replay."""
 import argparse
 import io
 import os
+import shutil
 import subprocess
 import sys
 import tarfile
@@ -29,6 +30,18 @@ DIFFERENCES = {
 }
 
 
+# Registers of optical modules that are plugged in one after another: temperatures below zero, the
+# ends of the scales, powers around 0 dBm, values that single and double precision print otherwise.
+MODULES = [
+    "register 96 0x80 0 0x80 0xE8 0x17 0x70 0x27 0x10 0 1",
+    "register 96 0x7F 255 255 255 255 255 255 255 255 255",
+    "register 96 255 0 0 0 0 0 0x27 0x0F 0 0",
+    "register 96 0 0 0x80 0xB6 0 65 0x57 0x8D 0x8A 0x1F",
+    "register 96 0xFF 0xFF 0x00 0x01 0x00 0x05 0x00 0x02 0xFF 0xFE",
+    "",
+]
+
+
 def untimed(archive):
     with tarfile.open(fileobj=io.BytesIO(archive)) as tar:
         return sorted((member.name, tar.extractfile(member).read())
@@ -47,8 +60,8 @@ def made_equal(place, value, used):
 class Simulated:
     """The simulated unit, in a folder of its own behind a web server."""
 
-    def __init__(self, root, folder):
-        self.folder, self.port = folder, free_port()
+    def __init__(self, root, folder, registers):
+        self.folder, self.port, self.registers = folder, free_port(), registers
         build, unit = os.path.join(root, "build/release"), os.path.join(root, "sim/unit")
         subprocess.run([unit, "assemble", folder, build], check=True)
         environment = {**os.environ, "ONU_NET": "host"}
@@ -57,7 +70,7 @@ class Simulated:
                        stdout=subprocess.DEVNULL)
         documents = "/srv/www" if os.path.isdir(folder + "/srv/www") else "/var/tevo/website/www"
         self.server = subprocess.Popen(
-            [f"{build}/optical-module", "--registers", f"{root}/sim/optical_module.registers", "--",
+            [f"{build}/optical-module", "--registers", registers, "--",
              *enter, "/bin/httpd", "-f", "-p", f"127.0.0.1:{self.port}", "-h", documents],
             env=environment, stderr=subprocess.DEVNULL)
         for _ in range(200):
@@ -86,6 +99,11 @@ class Simulated:
         return {path[len("/record/"):]: content
                 for path, content in self.files(["/record"]).items()}
 
+    def plug(self, number):
+        text = "fault absent" if number is None else MODULES[number]
+        with open(self.registers, "w", encoding="utf-8") as file:
+            file.write(text)
+
     def partition(self, number):
         return self.files(["/dev"])[f"/dev/mtd{number}"]
 
@@ -106,6 +124,9 @@ class Virtual:
         pieces = [*self.machine.records(), self.machine.files("/record")]
         return {name: b"".join(piece.get("/record/" + name, b"") for piece in pieces)
                 for name in RECORDS}
+
+    def plug(self, number):
+        self.machine.plug(None if number is None else number + 1)
 
     def partition(self, number):
         return chip.partition(self.machine.copy_flash()[0], number)
@@ -153,7 +174,7 @@ def requests(root):
 
     with open(os.path.join(HERE, "requests"), encoding="utf-8") as file:
         lines = [line.strip() for line in file if line.strip() and not line.startswith("#")]
-    return [(line, make(*((line + " ").split(" ", 1)[0], line.partition(" ")[2]))) for line in lines]
+    return [(line, make(*line.partition(" ")[::2])) for line in lines]
 
 
 class Comparison:
@@ -167,7 +188,8 @@ class Comparison:
         if isinstance(one, dict):
             for name in sorted({*one, *other}):
                 if one.get(name) != other.get(name):
-                    self.wrong.append(f"{label}, {name}: {first_part(one.get(name), other.get(name))}")
+                    parting = first_part(one.get(name), other.get(name))
+                    self.wrong.append(f"{label}, {name}: {parting}")
         else:
             self.wrong.append(f"{label}: {first_part(one, other)}")
 
@@ -193,23 +215,29 @@ def replay(root, simulated, virtual, comparison):
     for label, send in requests(root):
         comparison.reply(label, send(simulated), send(virtual))
     comparison.state("the requests", simulated, virtual, FOLDERS)
+    for number in [*range(len(MODULES)), None]:
+        simulated.plug(number)
+        virtual.plug(number)
+        comparison.reply(f"cmd_id=3, module {number}", *(fetch(unit.port, f"{CGI}?cmd_id=3")
+                                                         for unit in (simulated, virtual)))
 
     # What ends in a restart. The image for the settings' partition is a copy of it as it is: the
     # settings stay what they are.
     kernel, rootfs = os.urandom(100_001), os.urandom(chip.extent(2)[1] - chip.extent(2)[0])
-    restarts = [("cmd_id=11", None), ("cmd_id=18&action=1", None), ("cmd_id=21&update_type=1", kernel),
-                ("cmd_id=21&update_type=2", rootfs), ("cmd_id=21&update_type=3", "as it is"),
-                ("cmd_id=21", files_archive())]
+    restarts = [("cmd_id=11", None), ("cmd_id=18&action=1", None),
+                ("cmd_id=21&update_type=1", kernel), ("cmd_id=21&update_type=2", rootfs),
+                ("cmd_id=21&update_type=3", "as it is"), ("cmd_id=21", files_archive())]
     for query, content in restarts:
         how = form(virtual.partition(3) if content == "as it is" else content) if content else {}
-        comparison.reply(query, *(unit.restart(lambda unit: fetch(unit.port, f"{CGI}?{query}", **how))
-                                  for unit in (simulated, virtual)))
+        comparison.reply(query, *(
+            unit.restart(lambda unit: fetch(unit.port, f"{CGI}?{query}", **how))
+            for unit in (simulated, virtual)))
         comparison.state(query, simulated, virtual, FOLDERS[:2])
     for number, content in ((1, kernel), (2, rootfs)):
         for unit in (simulated, virtual):
             if unit.partition(number)[:len(content)] != content:
-                comparison.wrong.append(f"{type(unit).__name__}: partition {number} is not the image")
-    for number in (2, 3, 6):
+                comparison.wrong.append(f"{type(unit).__name__}: partition {number} differs")
+    for number in (2, 6):
         query = f"{CGI}?cmd_id={number}&action=0"
         comparison.reply(query, fetch(simulated.port, query), fetch(virtual.port, query))
 
@@ -234,10 +262,16 @@ def main():
         flash = os.path.join(folder, "flash")
         with open(flash, "wb") as file:
             file.write(chip.factory())
-        simulated = Simulated(root, os.path.join(folder, "unit"))
+        usual = os.path.join(root, "sim/optical_module.registers")
+        registers = shutil.copy(usual, folder)
+        modules = [usual]
+        for number, text in enumerate(MODULES):
+            modules.append(os.path.join(folder, f"module{number}"))
+            with open(modules[-1], "w", encoding="utf-8") as file:
+                file.write(text)
+        simulated = Simulated(root, os.path.join(folder, "unit"), registers)
         try:
-            with Machine(Parts(options), flash,
-                         module=os.path.join(root, "sim/optical_module.registers")) as machine:
+            with Machine(Parts(options), flash, modules=modules) as machine:
                 machine.wait()
                 replay(root, simulated, Virtual(machine), comparison)
         finally:

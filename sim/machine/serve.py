@@ -10,7 +10,7 @@ import flash as chip
 from machine import Machine, Parts, Trouble
 from web import CGI
 
-GUIDE = """The unit answers at {url}
+GUIDE = """The unit's console is at {top}/, its program at {url}
 Its flash is {flash}, kept until a start with --factory
 Try:
   curl '{url}?cmd_id=8&action=0'
@@ -40,7 +40,7 @@ def main():
     parser.add_argument("--port", type=int, default=8080)
     parser.add_argument("--console", action="store_true")
     parser.add_argument("--factory", action="store_true")
-    parser.add_argument("--module", default=None)
+    parser.add_argument("--module", action="append", default=[])
     options = parser.parse_args()
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
 
@@ -49,11 +49,11 @@ def main():
             file.write(chip.factory())
     print("Starting the unit (a new one starts twice)", flush=True)
     try:
-        with Machine(Parts(options), options.flash, port=options.port, module=options.module,
+        with Machine(Parts(options), options.flash, port=options.port, modules=options.module,
                      console=options.console) as unit:
             print(f"First answer after {unit.wait():.1f} s", flush=True)
-            print(GUIDE.format(url=f"http://127.0.0.1:{options.port}{CGI}", flash=options.flash),
-                  flush=True)
+            top = f"http://127.0.0.1:{options.port}"
+            print(GUIDE.format(top=top, url=top + CGI, flash=options.flash), flush=True)
             if options.console:
                 unit.process.wait()
             else:

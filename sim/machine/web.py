@@ -31,6 +31,6 @@ def fetch(port, path, body=None, headers=None, method=None, announced=None, time
 
 def form(content, name="file"):
     """The body and header of an upload."""
-    body = (f'--x\r\nContent-Disposition: form-data; name="file"; filename="{name}"\r\n\r\n'.encode()
-            + content + b"\r\n--x--\r\n")
-    return {"body": body, "headers": {"Content-Type": "multipart/form-data; boundary=x"}}
+    head = f'--x\r\nContent-Disposition: form-data; name="file"; filename="{name}"\r\n\r\n'
+    return {"body": head.encode() + content + b"\r\n--x--\r\n",
+            "headers": {"Content-Type": "multipart/form-data; boundary=x"}}

@@ -38,7 +38,7 @@ def no_lock():
 def stage_two_writers(options):
     """two writers of one settings file start together: the file ends as one whole text with both
     values, or at least one of them where they cannot wait for each other"""
-    count = 250 if options.quick else 10000
+    count = 250 if options.quick else 5000
     reset()
 
     def address(value):

@@ -30,7 +30,7 @@ READS = [
 SAVES = [
     "cmd_id=5&action=1&loid=l&password=p&sn=s&fec_mode=0&ponSerialNum=n&gpon_loid=g",
     "cmd_id=6&action=1&ip=10.20.30.40&netmask=255.0.0.0",
-    "cmd_id=14&action=1&port=0&loop_detect=7",
+    "cmd_id=14&action=1&port=0&loop_detect=0",
     "cmd_id=16&action=1&ipv4DsMtu=1400&ipv4UsMtu=1400&ipv4pppoeUsMtu=1400",
     "cmd_id=17&action=1&mc_mode=9", "cmd_id=19&pwdold=admin&pwdnew=longer",
     "cmd_id=20&pwdold=user&pwdnew=longer",

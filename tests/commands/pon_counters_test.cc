@@ -37,6 +37,7 @@ TEST_F(Unit, PonCounters) {
     lines += "[cnt: " + numbers.back() + "]\n";
   }
   const std::string longValue(100000, '7');
+  const std::string page(4091, '7');  // the line ends one byte behind a page
   for (const auto& [file, want] : std::map<std::string, Texts>{
            {lines, numbers},
            {"", {}},
@@ -47,6 +48,7 @@ TEST_F(Unit, PonCounters) {
            {"[abcd1]\n[abcd2 3]\n", {"12", "3"}},
            {"[abcd1 2]", {"1", "2"}},
            {"[abcd1 2]\r\n", {"1", "2]"}},
+           {"[abcd" + page + "]", {page}},
            {"[abcd" + longValue + " 2]\n", {longValue, "2"}},
            {"[abcd\x01\xff\0 \"\\]\n"s, {"\x01\xff\0"s, "\"\\"}},
        }) {

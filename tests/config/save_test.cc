@@ -78,6 +78,25 @@ TEST_F(Saves, KeepTheOldTextOnAFullDisk) {
   expectChanged(before);
 }
 
+TEST_F(Saves, DoWithoutTheLock) {
+  const std::string before = start();
+  const std::string line = "no lock on /tmp, others may be at work: Permission denied\n";
+  fs::create_hard_link(kSettings, "/etc/old");
+  fs::permissions("/tmp", fs::perms::none);
+  const Outcome outcome = cgi(get("cmd_id=30&action=1&bs=8"));
+  EXPECT_EQ(outcome.out + outcome.err, json("0") + "onu-cgi: command 30: " + line);
+  EXPECT_NE(readFile(kSettings).find("<port mode=\"8\""), std::string::npos);
+  EXPECT_EQ(readFile("/etc/old"), before) << "not written over the old one";
+  EXPECT_EQ(filesIn("/var/tevo/website/www/xml"), 1);
+  const Outcome refused = cgi(upload("cmd_id=8", "--x\r\nfilename=\"f\"\r\n\r\nX\r\n--x--"));
+  fs::permissions("/tmp", fs::perms::all);
+  EXPECT_EQ(refused.out, errorPage(400, "receive file fail")) << "it would share its file";
+  EXPECT_EQ(
+      refused.err,
+      "onu-cgi: command 8: " + line +
+          "onu-cgi: command 8: receive file fail: no upload is received beside another request\n");
+}
+
 // A file cut anywhere is read as far as it goes, and never written back as less than a document.
 TEST_F(Saves, MakeADocumentOfATruncatedFile) {
   const std::string whole = readFile(kSettings);
@@ -87,7 +106,8 @@ TEST_F(Saves, MakeADocumentOfATruncatedFile) {
     writeFile(kSettings, cut);
     const Outcome outcome = cgi(get("cmd_id=20&pwdold=user&pwdnew=n"));
     EXPECT_EQ(outcome.status, 0) << size;
-    EXPECT_EQ(outcome.err.find("onu-cgi: command 20: error in " + std::string(kSettings)), 0U);
+    const std::string error = std::string("error in ") + kSettings + ": [error near line ";
+    EXPECT_EQ(outcome.err.find("onu-cgi: command 20: " + error), 0U) << outcome.err;
     const std::string after = readFile(kSettings);
     EXPECT_TRUE(after == cut || after.rfind("</tevo>") == after.size() - 7) << size;
     EXPECT_EQ(outcome.err.find("is rewritten") == std::string::npos, after == cut) << outcome.err;

@@ -96,6 +96,7 @@ TEST(Query, IsSearchedAsPlainText) {
            {"cmd_id=12abc&action=abc", "", "12 0"},
            {"xcmd_id=3&transaction=5&action=1", "", "3 5"},
            {"cmd_id= \t+4&action=-2", "", "4 -2"},
+           {"cmd_id=2147483648&action=2147483647", "", "2147483647 2147483647"},
            {"cmd_id=4294967304&action=-99999999999999999999", "", "2147483647 -2147483648"},
        }) {
     ParsedQuery query{-7, -8, ""};

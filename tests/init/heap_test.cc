@@ -117,7 +117,10 @@ TEST(Heap, ForgetsTheGapOfAnEmptyArea) {
 }
 
 TEST(Heap, RefusesWhatCannotBe) {
-  EXPECT_EQ(aligned_alloc(48, 100), nullptr) << "no power of two";
+  void* block = nullptr;
+  EXPECT_EQ(posix_memalign(&block, 48, 100), ENOMEM) << "no power of two";
+  EXPECT_EQ(posix_memalign(&block, 64, 100), 0);
+  free(block);
   auto* const bytes = static_cast<char*>(malloc(10));
   std::strcpy(bytes, "unchanged");
   for (const std::size_t size : {SIZE_MAX, SIZE_MAX - 31, SIZE_MAX / 2 + 1, SIZE_MAX / 2 - 4095}) {

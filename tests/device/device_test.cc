@@ -1,7 +1,9 @@
-#include "device/cli_runner.h"
+// What no command makes of the device: the question for FEC, results of the readers.
 
 #include <filesystem>
 
+#include "device/cli_runner.h"
+#include "device/epon_info.h"
 #include "tests/support/unit.h"
 
 namespace onu::test {
@@ -28,6 +30,19 @@ TEST_F(Unit, FecModeIsAskedOfTheCommandShell) {
   std::filesystem::create_symlink("/nowhere/at/all", "/tmp/info_file");
   EXPECT_FALSE(CliRunner::isFecEnabled()) << "no file";
   EXPECT_TRUE(exists("/tmp/info_file")) << "nothing to remove";
+}
+
+TEST_F(Unit, EponReadersSucceedWhateverIsThere) {
+  EponOnuInfo info;
+  EponAllCnt counters;
+  writeFile("/sys/devices/platform/epon/info/infoEpon", "[abcdA B C D E F]\n");
+  for (const char* folder : {"/nothing", "/sys/devices/platform/epon"}) {
+    std::filesystem::remove_all(folder);
+    EXPECT_EQ(EponInfo::getInstance().getOnuInfo(info), 0) << folder;
+    EXPECT_EQ(EponInfo::getInstance().getAllCntInfo(counters), 0) << folder;
+    EXPECT_EQ(info.state + info.etherType + info.unicastMacAddr + info.txLLId1 + info.txLLId2,
+              "ABDEF");
+  }
 }
 
 }  // namespace onu::test
