@@ -80,8 +80,7 @@ DoctypeError Doctype::read(std::string_view subset) {
   return error_;
 }
 
-Mode Doctype::attributeMode(std::string_view element, std::string_view name) const {
-  const std::size_t list = places_.find(element);
+Mode Doctype::attributeMode(std::size_t list, std::string_view name) const {
   if (list == NameTable::kNone) {
     return Mode::kAttribute;
   }
@@ -168,6 +167,7 @@ bool Doctype::attributeList(SubsetSource& source) {
   if (element.empty()) {
     return fail(place, kMalformedList);
   }
+  std::size_t list = NameTable::kNone;
   for (;;) {
     if (!source.skipSpace()) {
       return fail(place, kUnclosedList);
@@ -189,7 +189,7 @@ bool Doctype::attributeList(SubsetSource& source) {
     if (!source.skipSpace()) {
       return fail(place, kUnclosedList);
     }
-    if (!defaultValue(source, element, name, mode)) {
+    if (!defaultValue(source, &list, element, name, mode)) {
       return fail(place, kMalformedList);
     }
   }
@@ -212,7 +212,8 @@ bool Doctype::attributeType(SubsetSource& source, Mode* mode) {
   return source.accept("(") && source.upTo(")").data() != nullptr;
 }
 
-bool Doctype::defaultValue(SubsetSource& source, Token element, Token name, Mode mode) {
+bool Doctype::defaultValue(SubsetSource& source, std::size_t* list, Token element, Token name,
+                           Mode mode) {
   if (source.accept("#FIXED")) {
     if (!source.skipSpace()) {
       return false;
@@ -224,16 +225,18 @@ bool Doctype::defaultValue(SubsetSource& source, Token element, Token name, Mode
   if (value.data() == nullptr) {
     return false;
   }
-  addDefault(element, name, value, mode);
+  addDefault(list, element, name, value, mode);
   return true;
 }
 
-void Doctype::addDefault(Token element, Token name, Token value, Mode mode) {
-  const std::size_t list = places_.add(element);
-  if (list == defaults_.size()) {
+void Doctype::addDefault(std::size_t* list, Token element, Token name, Token value, Mode mode) {
+  if (*list == NameTable::kNone) {
+    *list = places_.add(element);
+  }
+  if (*list == defaults_.size()) {
     defaults_.push_back({root_.texts.copy(element.data(), element.size()), {}, {}});
   }
-  ElementDefaults& defaults = defaults_[list];
+  ElementDefaults& defaults = defaults_[*list];
   if (defaults.places.add(name) == defaults.attributes.size()) {
     const char* const key = root_.texts.copy(name.data(), name.size());
     defaults.attributes.push_back({key, decodedCopy(value, mode).data(), mode});

@@ -30,8 +30,11 @@ class Doctype {
   // error holds.
   DoctypeError read(std::string_view subset);
 
-  // How the attribute is to be decoded.
-  Mode attributeMode(std::string_view element, std::string_view name) const;
+  // The number of the element's list of defaults, for attributeMode: looked up once for a tag,
+  // since the name may be as long as the input. NameTable::kNone without a list.
+  std::size_t listOf(std::string_view element) const { return places_.find(element); }
+  // How an attribute of the element with that list is to be decoded.
+  Mode attributeMode(std::size_t list, std::string_view name) const;
 
   // Puts what was declared into the document's tables.
   void publish() const;
@@ -54,8 +57,9 @@ class Doctype {
   bool isPredefined(std::string_view key) const;
   bool attributeList(SubsetSource& source);
   bool attributeType(SubsetSource& source, Mode* mode);
-  bool defaultValue(SubsetSource& source, Token element, Token name, Mode mode);
-  void addDefault(Token element, Token name, Token value, Mode mode);
+  bool defaultValue(SubsetSource& source, std::size_t* list, Token element, Token name, Mode mode);
+  // `list` becomes the number of the element's list with its first default.
+  void addDefault(std::size_t* list, Token element, Token name, Token value, Mode mode);
   std::string_view decodedCopy(Token value, Mode mode);
   bool fail(const char* place, const char* message, std::string_view argument = {});
 

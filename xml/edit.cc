@@ -216,7 +216,8 @@ XmlNode* addChild(XmlNode* parent, const char* name, std::size_t off) {
   XmlNode* firsts = parent->child;
   XmlNode*& first = firstNamed(root, parent, name);
   XmlNode* const sameName = first;
-  XmlNode** const link = sameName == nullptr ? nullptr : linkTo(&firsts, parent, sameName);
+  XmlNode** const link =
+      sameName == nullptr || sameName->off <= off ? nullptr : linkTo(&firsts, parent, sameName);
   parent->child = insert<Ordered>(parent->child, node);
   first = insert<SameName>(sameName, node);
   if (first == node) {

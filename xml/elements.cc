@@ -105,12 +105,13 @@ char* Parser::startTag(char* p) {
 char Parser::attributes(char* p, std::string_view element) {
   pairs_.clear();
   p_ = p;
+  list_ = doctype_ == nullptr ? NameTable::kNone : doctype_->listOf(element);
   char c = *p_;
   while (c != '>' && c != '/') {
     p_ = doctype_ == nullptr ? plainAttributes(p_) : p_;
     c = *p_;
     if (c != '>' && c != '/') {
-      c = oddAttribute(element);
+      c = oddAttribute();
       if (c == '\0') {
         break;
       }
@@ -144,7 +145,7 @@ inline char* Parser::plainAttributes(char* p) {
 
 // Any form of an attribute at p_. One without a quoted value gets the empty one. Returns what
 // stands at p_ then.
-char Parser::oddAttribute(std::string_view element) {
+char Parser::oddAttribute() {
   char* const name = p_ = skipSpaces(p_);
   while (!is(peek(p_), kAttributeNameEnd)) {
     ++p_;
@@ -162,13 +163,13 @@ char Parser::oddAttribute(std::string_view element) {
   }
   terminate(nameEnd);
   const bool isQuoted = hasValue && (c == '"' || c == '\'');
-  pairs_.push_back({name, isQuoted ? attributeValue(element, name) : ""});
+  pairs_.push_back({name, isQuoted ? attributeValue(name) : ""});
   return p_ == nullptr || p_ == e_ ? '\0' : c;
 }
 
 // Cuts out and decodes the value behind the opening quote at p_, which goes behind the closing
 // quote, or becomes nullptr when there is none.
-const char* Parser::attributeValue(std::string_view element, const char* name) {
+const char* Parser::attributeValue(const char* name) {
   char* const quote = p_;
   char* const value = quote + 1;
   char* const end = find(value, peek(quote));
@@ -176,7 +177,7 @@ const char* Parser::attributeValue(std::string_view element, const char* name) {
     p_ = fail(quote, "missing %s", {quote, 1});
     return nullptr;
   }
-  const Mode mode = doctype_ == nullptr ? Mode::kAttribute : doctype_->attributeMode(element, name);
+  const Mode mode = doctype_ == nullptr ? Mode::kAttribute : doctype_->attributeMode(list_, name);
   const Decoded decoded = decode(value, value, static_cast<std::size_t>(end - value), mode);
   *end = '\0';
   p_ = end + 1;

@@ -20,7 +20,7 @@ constexpr char kBorrowed = ' ';
 constexpr char kNameOwned = 1;
 constexpr char kValueOwned = 2;
 
-// Heap memory; a process that cannot get it ends.
+// Heap memory; what cannot be had throws std::bad_alloc.
 void* allocate(std::size_t bytes);
 void* reallocate(void* old, std::size_t bytes);
 

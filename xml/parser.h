@@ -66,8 +66,8 @@ class Parser {
   char* startTag(char* p);
   char attributes(char* p, std::string_view element);
   char* plainAttributes(char* p);
-  char oddAttribute(std::string_view element);
-  const char* attributeValue(std::string_view element, const char* name);
+  char oddAttribute();
+  const char* attributeValue(const char* name);
   const char** attributeArray();
   char* endTag(char* p);
   char* behindEndTag(char* p, const char* name, std::size_t length) const;
@@ -114,9 +114,10 @@ class Parser {
   Arena opens_;
   std::vector<char> pieces_;  // of their texts, the innermost one's on top
   char* piecesEnd_ = nullptr;
-  char* piecesLimit_ = nullptr;  // kStep bytes can be written here yet
-  char* p_ = nullptr;            // in a tag: where what is not of the usual form goes on
-  std::vector<Pair> pairs_;      // attributes of that tag
+  char* piecesLimit_ = nullptr;          // kStep bytes can be written here yet
+  char* p_ = nullptr;                    // in a tag: where what is not of the usual form goes on
+  std::size_t list_ = NameTable::kNone;  // declared defaults of its element
+  std::vector<Pair> pairs_;              // attributes of that tag
   Decoder decoder_;
   std::unique_ptr<Doctype> doctype_;
   std::vector<Instructions> instructions_;

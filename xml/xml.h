@@ -9,8 +9,10 @@
 //
 // Decided where parsers differ: buffers double as they grow. The length tells where the data ends,
 // or a zero byte before that. References to characters above 0x7FFFFFFF stay as written, and so do
-// references to entities once they have made 1 MiB of text in a document, so that a small file
-// cannot take all memory.
+// references to entities from the first one on that would make it more than 1 MiB of text in a
+// document, so that a small file cannot take all memory. For a circle of entities no more is looked
+// than the bytes of the declarations pay for: one that hides behind long chains is no error, and
+// that bound ends it.
 #pragma once
 
 #include <cstddef>
@@ -131,10 +133,10 @@ XmlNode* cut(XmlNode* node);
 
 // Writes the element and its subtree; for the root also the document's processing instructions, but
 // neither XML declaration, comments nor document type. A default declared for an element is written
-// as its attribute, in as many elements as there are, until such attributes have made 1 MiB of
-// text; the rest is left out, so that a small file makes no text without limit. Never nullptr; ""
-// for no node or one without a name. The caller releases the text with free(); `length`, when
-// given, receives its length without the NUL.
+// as its attribute, in as many elements as there are, up to the first one that would make it more
+// than 1 MiB of text; the rest is left out, so that a small file makes no text without limit. Never
+// nullptr; "" for no node or one without a name. The caller releases the text with free();
+// `length`, when given, receives its length without the NUL.
 char* toXml(const XmlNode* node, std::size_t* length = nullptr);
 
 // Releases the document with everything reachable from it, cut elements and allocated texts
