@@ -112,10 +112,24 @@ struct SameName {
   static XmlNode*& before(XmlNode* node) { return static_cast<Node*>(node)->beforeSame; }
 };
 
-// Puts a node behind all that stand no later in the parent's text. Returns the list's head.
+// Whether the last of the list that stand no later than the node does is this one.
 template <typename List>
-XmlNode* insert(XmlNode* head, XmlNode* node) {
-  XmlNode* at = head == nullptr ? nullptr : List::before(head);
+bool isLastBefore(XmlNode* at, const XmlNode* node) {
+  return at->off <= node->off && (List::next(at) == nullptr || List::next(at)->off > node->off);
+}
+
+// Puts a node behind all that stand no later in the parent's text. `added` is one of the list, near
+// which the place may be, or null. Returns the list's head.
+template <typename List>
+XmlNode* insert(XmlNode* head, XmlNode* node, XmlNode* added) {
+  XmlNode* at = head == nullptr || head->off > node->off ? nullptr : List::before(head);
+  if (at != nullptr && added != nullptr) {
+    if (isLastBefore<List>(added, node)) {
+      at = added;
+    } else if (isLastBefore<List>(List::before(added), node)) {
+      at = List::before(added);
+    }
+  }
   while (at != nullptr && at->off > node->off) {
     at = at == head ? nullptr : List::before(at);
   }
@@ -147,12 +161,20 @@ XmlNode* remove(XmlNode* head, XmlNode* node) {
 bool isFirst(XmlNode* node) { return SameName::before(node)->next == nullptr; }
 
 // Where the list of the first elements of each name, whose head is `firsts`, goes on to one of
-// them. It keeps document order too, so that the first child is the head of both.
-XmlNode** linkTo(XmlNode** firsts, const XmlNode* parent, XmlNode* first) {
-  while (first != parent->child) {
-    first = Ordered::before(first);
-    if (isFirst(first)) {
-      return &first->sibling;
+// them. It keeps document order too, so that the first child is the head of both. Looked for among
+// the children before it and from the front of the list, whichever is nearer.
+XmlNode** linkTo(XmlNode** firsts, const XmlNode* parent, XmlNode* first, bool isListed) {
+  XmlNode** front = firsts;  // null once it cannot tell which of two comes first
+  for (XmlNode* child = first; child != parent->child;) {
+    child = Ordered::before(child);
+    if (isFirst(child)) {
+      return &child->sibling;
+    }
+    if (front != nullptr) {
+      if (*front == first || (!isListed && (*front == nullptr || (*front)->off > first->off))) {
+        return front;
+      }
+      front = isListed || (*front)->off < first->off ? &(*front)->sibling : nullptr;
     }
   }
   return firsts;
@@ -163,6 +185,7 @@ XmlNode*& firstNamed(internal::RootImpl& root, const XmlNode* parent, const char
   if (std::exchange(root.changed, parent) != parent) {
     root.names.clear();
     root.firsts.clear();
+    root.added = nullptr;
     for (XmlNode* first = parent->child; first != nullptr; first = first->sibling) {
       root.names.add(first->name);
       root.firsts.push_back(first);
@@ -216,15 +239,18 @@ XmlNode* addChild(XmlNode* parent, const char* name, std::size_t off) {
   XmlNode* firsts = parent->child;
   XmlNode*& first = firstNamed(root, parent, name);
   XmlNode* const sameName = first;
-  XmlNode** const link =
-      sameName == nullptr || sameName->off <= off ? nullptr : linkTo(&firsts, parent, sameName);
-  parent->child = insert<Ordered>(parent->child, node);
-  first = insert<SameName>(sameName, node);
+  XmlNode** const link = sameName == nullptr || sameName->off <= off
+                             ? nullptr
+                             : linkTo(&firsts, parent, sameName, true);
+  const bool addedSame = root.added != nullptr && std::strcmp(root.added->name, name) == 0;
+  parent->child = insert<Ordered>(parent->child, node, root.added);
+  first = insert<SameName>(sameName, node, addedSame ? root.added : nullptr);
+  root.added = node;
   if (first == node) {
-    if (sameName != nullptr) {
+    if (link != nullptr) {
       *link = std::exchange(sameName->sibling, nullptr);
     }
-    node->sibling = std::exchange(*linkTo(&firsts, parent, node), node);
+    node->sibling = std::exchange(*linkTo(&firsts, parent, node, false), node);
   }
   return node;
 }
@@ -238,17 +264,19 @@ XmlNode* cut(XmlNode* node) {
   XmlNode* firsts = parent->child;
   XmlNode*& first = firstNamed(root, parent, node->name);
   const bool wasFirst = isFirst(node);
+  XmlNode** const link = wasFirst ? linkTo(&firsts, parent, node, true) : nullptr;
   if (wasFirst) {
-    *linkTo(&firsts, parent, node) = node->sibling;
+    *link = node->sibling;
   }
   parent->child = remove<Ordered>(parent->child, node);
   first = remove<SameName>(first, node);
   if (wasFirst && first != nullptr) {
-    first->sibling = std::exchange(*linkTo(&firsts, parent, first), first);
+    first->sibling = std::exchange(*linkTo(link, parent, first, false), first);
   }
   node->next = node->sibling = node->ordered = Ordered::before(node) = SameName::before(node) =
       nullptr;
   root.loose.push_back(node);
+  root.added = nullptr;
   return node;
 }
 

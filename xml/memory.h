@@ -92,6 +92,7 @@ struct RootImpl : XmlRoot {
   // The parent that addChild or cut changed last, the names its children have, or had, and the
   // first of each.
   const XmlNode* changed = nullptr;
+  XmlNode* added = nullptr;  // the child that it was given last, null once one was cut
   NameTable names;
   std::vector<XmlNode*> firsts;
   const char* predefined[2 * kPredefinedEntities + 1];
