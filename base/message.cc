@@ -32,7 +32,7 @@ class Line {
   }
 
  private:
-  std::array<iovec, kMostParts + 6> pieces_;
+  std::array<iovec, kMostParts + 6> pieces_;  // with program, command and line end
   std::size_t count_ = 0;
 };
 

@@ -29,7 +29,7 @@ void printErrorLine(std::initializer_list<std::string_view> parts);
 
 // Says on standard error, the log of the web server, what failed on what: a line of the parts
 // behind "onu-cgi: command 5: ", without the command while that is not known. Takes no memory, so
-// it works when there is none. At most 6 parts.
+// it works when there is none.
 void complain(std::initializer_list<std::string_view> parts);
 
 // The command that later complaints name; 0 for none.
