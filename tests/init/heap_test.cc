@@ -6,12 +6,8 @@
 #include <sys/mman.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <random>
-#include <utility>
 #include <vector>
 
 #define malloc heapMalloc
@@ -28,57 +24,48 @@ namespace {
 
 constexpr std::size_t kMiB = std::size_t{1} << 20;
 
-struct Piece {
-  unsigned char* bytes = nullptr;
-  std::size_t size = 0;
-  unsigned char fill = 0;
-};
-
-unsigned char* bytesOf(void* block) { return static_cast<unsigned char*>(block); }
-
-bool holds(const Piece& piece, std::size_t size) {
-  return std::all_of(piece.bytes, piece.bytes + size,
-                     [&](unsigned char byte) { return byte == piece.fill; });
-}
-
-bool isMapped(unsigned char* byte) {
+bool isMapped(void* block) {
   unsigned char resident = 0;
+  char* const byte = static_cast<char*>(block);
   return ::mincore(byte - reinterpret_cast<std::uintptr_t>(byte) % 4096, 1, &resident) == 0;
 }
 
+bool holds(const unsigned char* bytes, std::size_t size, unsigned char fill) {
+  return std::all_of(bytes, bytes + size, [fill](unsigned char byte) { return byte == fill; });
+}
+
+// Each of the blocks is filled with its number, all that is usable of it.
 TEST(Heap, KeepsBlocksApartAndTakesThemBack) {
   std::mt19937 random(1);
-  std::vector<Piece> pieces(200);
+  std::vector<unsigned char*> blocks(200);
   void* const before = malloc(1);
   free(before);
   for (int step = 0; step < 40000; ++step) {
-    Piece& piece = pieces[random() % pieces.size()];
-    ASSERT_TRUE(holds(piece, piece.size)) << step;
+    const auto number = static_cast<unsigned char>(random() % blocks.size());
+    unsigned char*& bytes = blocks[number];
+    const std::size_t held = malloc_usable_size(bytes);
+    ASSERT_TRUE(holds(bytes, held, number)) << step;
     const std::size_t size = random() % (step % 50 == 0 ? 100000 : 300);
     const auto action = random() % 5;
     if (action < 3) {
-      free(piece.bytes);
-      piece = {};
+      free(std::exchange(bytes, nullptr));
     }
     if (action == 0) {
       continue;
     }
-    const std::size_t kept = action == 1 ? size : std::min(size, piece.size);
-    const std::size_t alignment =
-        action == 2 ? std::size_t{8} << random() % 10 : alignof(std::max_align_t);
-    piece.bytes = bytesOf(action == 1   ? calloc(size, 1)
-                          : action == 2 ? aligned_alloc(alignment, size)
-                                        : realloc(piece.bytes, size));
-    ASSERT_TRUE(holds(piece, kept)) << step;
-    ASSERT_EQ(reinterpret_cast<std::uintptr_t>(piece.bytes) % alignment, 0U) << step;
-    ASSERT_GE(malloc_usable_size(piece.bytes), size) << step;
-    piece.size = malloc_usable_size(piece.bytes);
-    piece.fill = static_cast<unsigned char>(step);
-    std::memset(piece.bytes, piece.fill, piece.size);
+    const bool isCleared = action == 1;
+    const bool isAligned = action == 2;
+    const std::size_t alignment = isAligned ? std::size_t{8} << random() % 10 : alignof(Block);
+    bytes = static_cast<unsigned char*>(isCleared   ? calloc(size, 1)
+                                        : isAligned ? memalign(alignment, size)
+                                                    : realloc(bytes, size));
+    const std::size_t kept = isCleared ? size : isAligned ? 0 : std::min(size, held);
+    ASSERT_TRUE(holds(bytes, kept, isCleared ? 0 : number)) << step;
+    ASSERT_EQ(reinterpret_cast<std::uintptr_t>(bytes) % alignment, 0U) << step;
+    ASSERT_GE(malloc_usable_size(bytes), size) << step;
+    std::memset(bytes, number, malloc_usable_size(bytes));
   }
-  for (const Piece& piece : pieces) {
-    free(piece.bytes);
-  }
+  std::for_each(blocks.begin(), blocks.end(), free);
   EXPECT_EQ(malloc(1), before) << "the last block that is left is not the one of before";
   free(before);
 }
@@ -88,17 +75,15 @@ TEST(Heap, GrowsTheLastBlockInPlaceAndReturnsAreas) {
   void* const filling = malloc(200000);
   void* const block = malloc(200000);
   free(block);
-  EXPECT_TRUE(isMapped(bytesOf(block)));
+  EXPECT_TRUE(isMapped(block));
   EXPECT_EQ(malloc(200000), block);
 
   void* const small = malloc(kMiB / 32);
-  ASSERT_EQ(realloc(small, kMiB / 64), small);
-  void* const large = realloc(small, 3 * kMiB);
-  ASSERT_NE(large, small);
-  std::memset(large, 1, 3 * kMiB);
+  EXPECT_EQ(realloc(small, kMiB / 64), small);
+  void* const large = std::memset(realloc(small, 3 * kMiB), 1, 3 * kMiB);
   EXPECT_EQ(realloc(large, 3 * kMiB + 1000), large);
   free(large);
-  EXPECT_FALSE(isMapped(bytesOf(large) + kMiB));
+  EXPECT_FALSE(isMapped(static_cast<char*>(large) + kMiB));
   free(block);
   free(filling);
 }
@@ -119,18 +104,16 @@ TEST(Heap, RefusesWhatCannotBe) {
   void* block = nullptr;
   EXPECT_EQ(posix_memalign(&block, 48, 100), ENOMEM) << "no power of two";
   EXPECT_EQ(posix_memalign(&block, 64, 100), 0);
-  free(block);
-  auto* const bytes = static_cast<char*>(malloc(10));
-  std::strcpy(bytes, "unchanged");
+  std::strcpy(static_cast<char*>(block), "unchanged");
   for (const std::size_t size : {SIZE_MAX, SIZE_MAX - 31, SIZE_MAX / 2 + 1, SIZE_MAX / 2 - 4095}) {
     errno = 0;
     EXPECT_EQ(malloc(size), nullptr) << size;
     EXPECT_EQ(errno, ENOMEM);
     EXPECT_EQ(calloc(size, 2), nullptr) << size;
-    EXPECT_EQ(realloc(bytes, size), nullptr) << size;
+    EXPECT_EQ(realloc(block, size), nullptr) << size;
   }
-  EXPECT_STREQ(bytes, "unchanged");
-  free(bytes);
+  EXPECT_STREQ(static_cast<char*>(block), "unchanged");
+  free(block);
 }
 
 TEST(HeapDeathTest, EndsTheProcessOnFreedBytes) {
