@@ -41,20 +41,19 @@ std::vector<int> results(int (Data::*... accessors)(Record&) const) {
 
 TEST_F(Unit, ResultsAreThePromisedOnes) {
   const auto all = [] {
-    return results(&ConfigData::getCommInfo, &ConfigData::getIpInfo, &ConfigData::getFec,
-                   &ConfigData::getLoid, &ConfigData::getPhyPorts, &ConfigData::getVlanPorts,
-                   &ConfigData::getSn, &OmciData::getOmciLoid, &OmciData::getPortIsolation,
-                   &OmciData::setPortIsolation, &PonSerialData::getPonSerialSrc,
-                   &PonSerialData::setPonSerialSrc, &TpmData::getMtu, &TpmData::getQueueWeights,
+    return results(&ConfigData::getCommInfo, &ConfigData::getFec, &ConfigData::getLoid,
+                   &ConfigData::getPhyPorts, &ConfigData::getVlanPorts, &OmciData::getOmciLoid,
+                   &OmciData::getPortIsolation, &OmciData::setPortIsolation,
+                   &PonSerialData::getPonSerialSrc, &TpmData::getMtu, &TpmData::getQueueWeights,
                    &TpmData::setFlowControl, &TpmData::setSchedMethod,
                    &ProfileData::getMulticastGroupNum, &ProfileData::getMulticastSwitch,
                    &ProfileData::getVendorInfo, &ProfileData::getChipInfo,
                    &ProfileData::getFirmwareVersion, &ProfileData::getCapability);
   };
-  EXPECT_EQ(all(), std::vector<int>(22, 0));
+  EXPECT_EQ(all(), std::vector<int>(19, 0));
   std::filesystem::remove_all("/etc/xml_params");
   std::filesystem::remove(kSettings);
-  EXPECT_EQ(all(), std::vector<int>(22, -1));
+  EXPECT_EQ(all(), std::vector<int>(19, -1));
 }
 
 TEST_F(Unit, OnuTypesHaveNames) {
