@@ -48,6 +48,7 @@ TEST(Errors, LeaveWhatWasRead) {
       {"<a>x<!-->->", "a'x'", "unclosed <!--"},
       {"<a><![CDATA[x]]</a>", "a''", "unclosed <![CDATA["},
       {"<!DOCTYPE a", "none", "unclosed <!DOCTYPE"},
+      {"<!DOCTYPE a [\0]><a/>"sv, "none", "unclosed <!DOCTYPE"},
       {"<!DOCTYPE a [ ] <a/>", "none", "unclosed <!DOCTYPE"},
       {"<?a>", "none", "unclosed <?"},
       {"<a><1/></a>", "a''", "unexpected <"},
@@ -116,8 +117,9 @@ TEST(Depth, IsNoMatterOfStack) {
   const std::string tags = numbered(100000, "<a>");
   const std::string text = tags + numbered(100000, "</a>");
   const Parsed document(text);
-  EXPECT_STREQ(document->err, "");
+  EXPECT_EQ(document->cur, nullptr);
   EXPECT_EQ(written(document.node()), text);
+  EXPECT_STREQ(Parsed(tags)->cur->name, "a");
   EXPECT_STREQ(Parsed(tags)->err, "[error near line 1]: unclosed tag <a>");
 }
 

@@ -31,10 +31,12 @@ TEST(Lookup, FindsByNameAndPlace) {
 TEST(Lookup, GroupsNames) {
   EXPECT_EQ(groups(Parsed("<a><bcdefghi/><bcdefghij/><bcdefghi>1</bcdefghi></a>").node()),
             "bcdefghi,bcdefghi1|bcdefghij|");
-  const std::string once = numbered(40, "<name#/>");
+  const std::string once = numbered(40, "text #<name#></name#>");
   const std::string want = numbered(40, "name#,name#|");
-  Parsed document("<a>" + once + "<z>" + once + once + "</z>" + once + "</a>");
-  EXPECT_EQ(groups(document.node()), want + "z|");
+  const std::string text = "<a>" + once + "<z>" + once + once + "</z>" + once + "</a>";
+  Parsed document(text);
+  EXPECT_EQ(written(document.node()), text);
+  EXPECT_EQ(groups(document.node()), want + "z" + child(document.node(), "z")->txt + "|");
   EXPECT_EQ(groups(child(document.node(), "z")), want);
 }
 
