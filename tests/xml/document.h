@@ -76,7 +76,7 @@ inline std::string groups(const XmlNode* parent) {
 struct Case {
   std::string_view text;
   std::string want;
-  std::string error = "";
+  std::string error = {};
   int line = 1;  // of the error
 };
 

@@ -124,7 +124,7 @@ TEST(Depth, IsNoMatterOfStack) {
 }
 
 TEST(Files, AreReadByEveryEntryPoint) {
-  for (const int length : {1, 1016, 1017, 1018, 3000000}) {
+  for (const std::size_t length : {1U, 1016U, 1017U, 1018U, 3000000U}) {
     const std::string text = "<a>" + std::string(length, 'x') + "</a>";
     const int fd = memfd_create("file", 0);
     EXPECT_EQ(pwrite(fd, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));

@@ -115,7 +115,7 @@ TEST(Edit, AddsAndCutsChildren) {
   for (int step = 0; step < 3000; ++step) {
     if (const auto place = random() % 8; place < want.size()) {
       EXPECT_EQ(cut(cut(want[place]))->parent, b);
-      want.erase(want.begin() + place);
+      want.erase(std::find(want.begin(), want.end(), want[place]));
     } else {
       const char* const name = std::array{"c", "cc", "d", "e"}[random() % 4];
       XmlNode* const added = addChild(b, strdup(name), random() % 5);
