@@ -40,6 +40,7 @@ void expectStored(const std::string& body, const std::string& want) {
 
 TEST_F(Unit, UploadsAreStoredUnchanged) {
   const std::string line(180, 'b');
+  const std::string half = "x\r\n--" + line.substr(90);
   const std::string field =
       "--" + kBoundary + "\r\nContent-Disposition: form-data; name=\"x\"\r\n\r\nvalue\r\n";
   for (const std::string& data : {std::string("\r\n\r\n\r\r\r\n"), binary(100000),
@@ -47,36 +48,31 @@ TEST_F(Unit, UploadsAreStoredUnchanged) {
                                   binary(0x1000000 - multipart("").size())}) {
     expectStored(multipart(data), data);
   }
-  for (const auto& [body, data] : std::vector<std::pair<std::string, std::string>>{
-           {field + multipart(""), ""},
-           {part(kBoundary, "a", "one\r\n") + multipart("two"), "one"},
-           {"--b\r\nfilename=\"f\"\r\n\r\nX\r\n--b--", "X"},
-           {part(kBoundary, "a", "data\r\n----Web"), "data\r\n----Web"},
-           {field + kEnd, ""},
-           {part(line, "a", "x\r\n--" + line.substr(90)) + "\r\n--" + line + "--\r\n",
-            "x\r\n--" + line.substr(90)},
-           {std::string(5000, '-'), ""},
-           {part(kBoundary, std::string(3000, 'n'), "data") + kEnd, "data"}}) {
-    expectStored(body, data);
-  }
-}
+  expectStored(field + multipart(""), "");
+  expectStored(field + kEnd, "");
+  expectStored(part(kBoundary, "a", "one\r\n") + multipart("two"), "one");
+  expectStored("--b\r\nfilename=\"f\"\r\n\r\nX\r\n--b--", "X");
+  expectStored(part(kBoundary, "a", "data\r\n----Web"), "data\r\n----Web");
+  expectStored(part(line, "a", half) + "\r\n--" + line + "--\r\n", half);
+  expectStored(std::string(5000, '-'), "");
+  expectStored(part(kBoundary, std::string(3000, 'n'), "data") + kEnd, "data");
 
-// The end of the data, or what looks like it, at every place around the end of a block.
-TEST_F(Unit, UploadsEndAtABoundaryAcrossBlocks) {
+  // The end of the data, or what looks like it, at every place around the end of a block.
   const std::size_t head = part(kBoundary, "image.bin", "").size();
   const std::string almost = "\r\n--" + kBoundary;
   constexpr std::size_t kBlock = 0x8000;  // as much as is read at once
   for (std::size_t start = kBlock - almost.size() - 2; start <= kBlock + 1; ++start) {
-    std::string data = binary(start - head);
+    const std::string data = binary(start - head);
     expectStored(multipart(data), data);
-    data.append(almost.substr(0, almost.size() - 1)).append("?");
-    expectStored(multipart(data), data);
+    const std::string like = data + almost.substr(0, almost.size() - 1) + "?";
+    expectStored(multipart(like), like);
   }
 }
 
 TEST_F(Unit, UploadsFailWithoutDispatch) {
-  const std::string fail = "onu-cgi: command 8: receive file fail: ";
   const std::string body = multipart("data");
+  const std::string failed =
+      errorPage(400, "receive file fail") + "onu-cgi: command 8: receive file fail: ";
   std::vector<Request> requests = {
       upload("cmd_id=8", multipart(binary(0x1000001 - multipart("").size()))),
       upload("cmd_id=8", body)};
@@ -84,17 +80,16 @@ TEST_F(Unit, UploadsFailWithoutDispatch) {
   for (const char* length : {"0", "16777217", "-1", "many", "10000"}) {
     requests.push_back(upload("cmd_id=8", body, length));
   }
-  for (Request& request : requests) {
+  for (const Request& request : requests) {
     writeFile(kUpload, "stale");
     const Outcome outcome = cgi(request);
-    EXPECT_EQ(outcome.out, errorPage(400, "receive file fail"));
-    EXPECT_EQ(outcome.err, fail + "the upload is empty, over 16 MiB or shorter than announced\n");
-    EXPECT_FALSE(exists(kUpload)) << request.environment["CONTENT_LENGTH"];
+    EXPECT_EQ(outcome.out + outcome.err,
+              failed + "the upload is empty, over 16 MiB or shorter than announced\n");
+    EXPECT_FALSE(exists(kUpload)) << request.environment.at("CONTENT_LENGTH");
   }
   std::filesystem::create_symlink("/dev/full", "/tmp/.recFile");
   const Outcome full = cgi(upload("cmd_id=8", body));
-  EXPECT_EQ(full.out + full.err,
-            errorPage(400, "receive file fail") + fail + "No space left on device\n");
+  EXPECT_EQ(full.out + full.err, failed + "No space left on device\n");
 }
 
 TEST_F(Unit, UploadsStoreANameThatOverlapsItsPrefix) {
@@ -105,14 +100,11 @@ TEST_F(Unit, UploadsStoreANameThatOverlapsItsPrefix) {
            {"ima\"ge\".bin", "/var/image.bin"},
            {std::string(400, 'n'), "/var/" + std::string(250, 'n')},
        }) {
-    const std::string body = part(kBoundary, name, "data");
-    writeFile("/tmp/body", body);
+    writeFile("/tmp/body", part(kBoundary, name, ""));
     UploadReader::NameArea area;
     area.fill('#');
-    const Fd source = Fd::open("/tmp/body", O_RDONLY);
-    const Fd target = Fd::open("/dev/null", O_WRONLY);
-    UploadReader reader(target.get(), area);
-    EXPECT_TRUE(reader.read(source.get(), static_cast<std::uint32_t>(body.size()))) << name;
+    const Fd file = Fd::open("/tmp/body", O_RDWR);
+    EXPECT_FALSE(UploadReader(file.get(), area).read(file.get(), 1000)) << "not so much";
     EXPECT_STREQ(area.data(), want.c_str());
   }
 }

@@ -30,33 +30,27 @@ std::string settings(const std::string& mac) {
          "</onu_mac></ipInfo></cfg>";
 }
 
-TEST_F(Unit, InitReplacesThePlaceholderAndReboots) {
-  const std::string commands =
+TEST_F(Unit, InitMakesTheAddressesAgree) {
+  const std::string replaced =
       kUp + "|fw_setenv mv_pon_addr  " + kMac + "|/sbin/reboot|" + kUp;  // and starts anew
-  for (const char* mac : {"00:50:43:02:00:00", "00:50:43"}) {
-    writeFile(kSettings, settings(kMac));
-    const Outcome outcome = initWith(mac);
-    EXPECT_EQ(outcome.commands, split(commands, '|')) << mac;
-    EXPECT_EQ(outcome.out, kIp + kIp);
-    EXPECT_EQ(bootloaderMac(), "mv_pon_addr=" + kMac + "\n");
-    EXPECT_EQ(readFile(kSettings), settings(kMac));
-  }
-}
-
-TEST_F(Unit, InitTakesAnyOtherAddressIntoTheSettings) {
+  const std::string lower = "00:aa:bb:cc:dd:ee";
+  const std::string taken = kIp + " onu mac address  = ";
   // In the bootloader environment, in the settings, and there afterwards: empty if not written.
-  for (const auto& [mac, old, want] : std::vector<std::array<std::string, 3>>{
-           {kMac, kMac, ""},
-           {"00:aa:bb:cc:dd:ee", "00:AA:BB:CC:DD:EE", "00:aa:bb:cc:dd:ee"},
-           {kMac + ":66", "x", kMac},
-           {"a=b=c", "x", "a=b=c"},
+  for (const auto& [mac, old, now, out, commands] : std::vector<std::array<std::string, 5>>{
+           {"00:50:43:02:00:00", kMac, "", kIp + kIp, replaced},
+           {"00:50:43", kMac, "", kIp + kIp, replaced},
+           {kMac, kMac, "", kIp, kUp},
+           {lower, "00:AA:BB:CC:DD:EE", lower, taken + lower + "\n", kUp},
+           {kMac + ":66", "x", kMac, taken + kMac + "\n", kUp},
+           {"a=b=c", "x", "a=b=c", taken + "a=b=c\n", kUp},
        }) {
     const std::string before = settings(old) + "<!-- c -->";
     writeFile(kSettings, before);
     const Outcome outcome = initWith(mac);
-    EXPECT_EQ(outcome.out, kIp + (want.empty() ? "" : " onu mac address  = " + want + "\n"));
-    EXPECT_EQ(readFile(kSettings), want.empty() ? before : settings(want)) << mac;
-    EXPECT_EQ(outcome.commands, split(kUp, '|')) << mac;
+    EXPECT_EQ(outcome.out, out) << mac;
+    EXPECT_EQ(outcome.commands, split(commands, '|')) << mac;
+    EXPECT_EQ(readFile(kSettings), now.empty() ? before : settings(now)) << mac;
+    EXPECT_EQ(bootloaderMac(), "mv_pon_addr=" + (commands == replaced ? kMac : mac) + "\n");
   }
   fs::remove(kSettings);
   const Outcome outcome = initWith(kMac);

@@ -30,10 +30,10 @@ struct Outcome {
   Texts scripts;   // what the command shell was fed
 };
 
-// The reply around a JSON body, and an error page, as the pages get them.
+// The reply around a JSON body, an error page, and a script for the command shell in its usual
+// view.
 std::string json(const std::string& body);
 std::string errorPage(int code, const std::string& message);
-// A script for the command shell in its usual view.
 std::string eoam(const std::string& line);
 
 std::string readFile(const std::string& path);                     // empty when it cannot be read
@@ -72,8 +72,7 @@ class Unit : public testing::Test {
   static constexpr const char* kProfile = "/etc/xml_params/onu_profile_xml_cfg_file.xml";
   static constexpr const char* kUpload = "/tmp/recFile";
 
-  // Puts the unit back into the state in which every test starts.
-  static void reset();
+  static void reset();  // puts the unit back into the state in which every test starts
 
   // Runs a line of the host's shell; the records are those of this run alone.
   static Outcome run(const std::string& line, const Request& request = {});
