@@ -1,6 +1,5 @@
 // Commands 10, 11, 18 and 21.
 
-#include <algorithm>
 #include <csignal>
 #include <filesystem>
 
@@ -19,17 +18,6 @@ std::string flashing(const std::string& image, const std::string& flash) {
 Outcome cgiOnce(const std::string& query, const std::string& then = "",
                 const std::string& first = "") {
   return Unit::run(first + " ONU_BOOTS=99 " + Unit::kCgi + then, get(query));
-}
-
-// The page that the unit's web server delivers, and then the commands of its shell, each ended by a
-// zero byte. Their record is a pipe, at which the shell waits for a reader before its first
-// command: so the page does not come before its reply was complete, or does not come.
-std::string pageThenWork(const std::string& query, std::size_t workSize) {
-  const std::string line =
-      "mkfifo /record/commands; ONU_BOOTS=99 timeout 20 httpd -i -h /var/tevo/website/www "
-      "2>/dev/null; exec 3<>/record/commands; timeout 20 head -c " +
-      std::to_string(workSize) + " <&3; rm /record/commands";
-  return Unit::run(line, {{}, "GET /cgi-bin/onu-cgi?" + query + " HTTP/1.0\r\n\r\n"}).out;
 }
 
 }  // namespace
@@ -67,9 +55,15 @@ TEST_F(Unit, MaintenancePageAndWork) {
     if (body != "0") {
       continue;
     }
-    std::string record = work + "|";
-    std::replace(record.begin(), record.end(), '|', '\0');
-    EXPECT_EQ(pageThenWork(query, record.size()), json(body) + record) << query;
+    // The page that the unit's web server delivers, and then the commands of its shell. Their
+    // record is a pipe, at which the shell waits for a reader before its first command: so the page
+    // does not come before its reply was complete, or does not come.
+    const std::string line =
+        "mkfifo /record/commands; ONU_BOOTS=99 timeout 20 httpd -i -h /var/tevo/website/www "
+        "2>/dev/null; exec 3<>/record/commands; timeout 20 head -c " +
+        std::to_string(work.size() + 1) + " <&3 | tr '\\0' '|'; rm /record/commands";
+    EXPECT_EQ(run(line, {{}, "GET /cgi-bin/onu-cgi?" + query + " HTTP/1.0\r\n\r\n"}).out,
+              json(body) + work + "|");
     // The work is done without a client, too: with no output, or one that nobody reads.
     EXPECT_EQ(cgiOnce(query, " >&-").commands, outcome.commands) << query;
     const char* const last = "; } | { exec <&-; touch /tmp/gone; }; rm /tmp/gone";
