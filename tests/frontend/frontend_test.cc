@@ -59,6 +59,11 @@ TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
   // Nobody who reads the reply.
   EXPECT_EQ(run(std::string(kCgi) + " >&-", get("cmd_id=19&pwdold=admin&pwdnew=b")).status, 0);
   EXPECT_EQ(reply("cmd_id=1&username=admin&password=b"), json("0"));
+  // Who changes the unit waits for the lock: here for a process that has it for a second.
+  const std::string locked =
+      "exec 9</tmp; /usr/bin/flock 9; { sleep 1; echo first; } & exec 9<&-; ";
+  const Outcome waited = run(locked + kCgi, get("cmd_id=19&pwdold=b&pwdnew=c"));
+  EXPECT_EQ(waited.out + waited.err, "first\n" + json("0"));
 }
 
 TEST(Query, IsSearchedAsPlainText) {
