@@ -135,7 +135,7 @@ TEST_F(Unit, LogKeepsTheNewestTwoMebibytes) {
   CgiLog::formatTimeStamp(nullptr);
 
   // Zero bytes must survive the trimming as well. The log ends with a line feed beyond its limit.
-  for (const std::size_t excess : {19, 1}) {
+  for (const std::size_t excess : {19U, 1U}) {
     const std::string old = "0123456789" + std::string(2097132 - kStamp + excess, '\0');
     writeFile(kLog, old);
     log.writeLine("0123456789");
