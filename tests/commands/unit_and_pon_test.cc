@@ -51,6 +51,8 @@ TEST_F(Unit, Command2ProfileAndLink) {
            {"0x1g05-1", "2001/05/00", "1g05-1", "1g.05.-1", "[abcdActive B C]\n", "", "1"},
            {"0x130", "2019/00/00", "130", "13.0", "", "", "0"},
            {"0", "2000/00/00", "", "", "", "", "0"},
+           {"0x1111111111111111111111", "2017/17/17", "1111111111111111111111",
+            "11.11.11.11.11.11.11.11.11.11.1", "", "", "0"},
        }) {
     writeFile(info, link);
     writeFile(kProfile, "<p><Vendor>" + is("Chip version", value) + is("Chip revision", value) +
