@@ -277,8 +277,8 @@ class ConsoleTest(unittest.TestCase):
         self.press("Cancel", within="dialog")
         self.assertEqual(self.find(f"{upgrade} .status").text, "")
         self.page.execute_cdp_cmd("Network.enable", {})
-        self.page.execute_cdp_cmd("Network.emulateNetworkConditions", {  # 1 MiB a second upwards
-            "offline": False, "latency": 0, "downloadThroughput": -1, "uploadThroughput": 1 << 20})
+        self.page.execute_cdp_cmd("Network.emulateNetworkConditions", {  # 2 MiB a second upwards
+            "offline": False, "latency": 0, "downloadThroughput": -1, "uploadThroughput": 2 << 20})
         self.press("Upgrade", "Upgrade", within=upgrade)
         self.until(lambda: 0 < self.value(f"{upgrade} progress") < 1, "the bar stands still")
         self.shows(f"{upgrade} .status", "Sending", "%")
