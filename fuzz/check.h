@@ -7,19 +7,17 @@
 
 namespace onu::fuzz {
 
-// Ends the run with a finding unless the condition holds.
-#define REQUIRE(condition) ::onu::fuzz::check((condition), #condition)
-
 inline std::string_view asText(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
 
-// Ends the run with a finding, saying `what` did not hold.
-inline void check(bool holds, const char* what) {
-  if (!holds) {
-    std::fprintf(stderr, "does not hold: %s\n", what);
-    std::abort();
-  }
-}
+// Ends the run with a finding, saying what does not hold, unless the condition does.
+#define REQUIRE(condition)                                   \
+  do {                                                       \
+    if (!(condition)) {                                      \
+      std::fputs("does not hold: " #condition "\n", stderr); \
+      std::abort();                                          \
+    }                                                        \
+  } while (false)
 
 }  // namespace onu::fuzz

@@ -47,7 +47,6 @@ std::int32_t naiveNumber(const std::string& text, const std::string& name) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using onu::fuzz::check;
   if (size == 0) {
     return 0;
   }
@@ -59,9 +58,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   query.commandNumber = kUntouched;
   query.action = kUntouched;
   onu::parseQuery(query, text);
-  check(query.text == text, "the text is kept as a whole");
-  check(query.commandNumber == naiveNumber(text, "cmd_id"), "command number");
-  check(query.action == naiveNumber(text, "action"), "action");
-  check(onu::getParam(query, name) == naiveValue(text, name), "value of the parameter");
+  REQUIRE(query.text == text);
+  REQUIRE(query.commandNumber == naiveNumber(text, "cmd_id"));
+  REQUIRE(query.action == naiveNumber(text, "action"));
+  REQUIRE(onu::getParam(query, name) == naiveValue(text, name));
   return 0;
 }

@@ -81,9 +81,8 @@ class MemoryFile {
   int get() const { return file_.get(); }
 
   void set(std::string_view content) const {
-    onu::fuzz::check(::ftruncate(get(), 0) == 0 && ::lseek(get(), 0, SEEK_SET) == 0 &&
-                         onu::writeFully(get(), content) && ::lseek(get(), 0, SEEK_SET) == 0,
-                     "the fuzzer's own file can be written");
+    REQUIRE(::ftruncate(get(), 0) == 0 && ::lseek(get(), 0, SEEK_SET) == 0);
+    REQUIRE(onu::writeFully(get(), content) && ::lseek(get(), 0, SEEK_SET) == 0);
   }
 
   std::string content() const {
@@ -100,7 +99,6 @@ class MemoryFile {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using onu::fuzz::check;
   static const MemoryFile source;
   static const MemoryFile target;
   if (size == 0) {
@@ -119,9 +117,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const std::size_t taken = std::min<std::size_t>(length, body.size());
   const Upload want = naiveUpload(std::string_view(body).substr(0, taken));
-  check(complete == (length <= body.size()), "complete as far as announced");
-  check(::lseek(source.get(), 0, SEEK_CUR) == static_cast<off_t>(taken), "nothing read beyond");
-  check(target.content() == want.data, "stored data");
-  check(!want.named || area.data() == want.name, "stored name");
+  REQUIRE(complete == (length <= body.size()));
+  REQUIRE(::lseek(source.get(), 0, SEEK_CUR) == static_cast<off_t>(taken));
+  REQUIRE(target.content() == want.data);
+  REQUIRE(!want.named || area.data() == want.name);
   return 0;
 }

@@ -37,7 +37,7 @@ inline Pairs effectiveAttributes(const xml::XmlRoot& root, const xml::XmlNode& n
 
 // All links of one element's children: order, groups, places in the text.
 inline void checkChildren(const xml::XmlNode& node) {
-  std::size_t textLength = std::strlen(node.txt);
+  const std::size_t textLength = std::strlen(node.txt);
   std::size_t inOrder = 0;
   std::size_t off = 0;
   std::set<const xml::XmlNode*> rest;

@@ -31,7 +31,7 @@ struct Collector {
 
   Element& open() {
     Element* element = &top;
-    for (std::size_t i : path) {
+    for (const std::size_t i : path) {
       element = &element->children[i];
     }
     return *element;
@@ -88,11 +88,11 @@ void compare(const xml::XmlNode& ours, const Element& theirs) {
 }
 
 bool hasHalfPair(const std::uint8_t* data, std::size_t size) {
-  std::size_t high = data[0] == 0xFE ? 0 : 1;
+  const std::size_t high = data[0] == 0xFE ? 0 : 1;
   bool isOpen = false;  // the first half stands before
   for (std::size_t i = 2; i + 1 < size; i += 2) {
-    bool isFirst = (data[i + high] & 0xFC) == 0xD8;
-    bool isSecond = (data[i + high] & 0xFC) == 0xDC;
+    const bool isFirst = (data[i + high] & 0xFC) == 0xD8;
+    const bool isSecond = (data[i + high] & 0xFC) == 0xDC;
     if (isOpen != isSecond) {
       return true;
     }
@@ -104,7 +104,7 @@ bool hasHalfPair(const std::uint8_t* data, std::size_t size) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  bool isUtf16 =
+  const bool isUtf16 =
       size >= 2 && data[0] + data[1] == 0xFE + 0xFF && (data[0] == 0xFE || data[1] == 0xFE);
   Collector collector;
   collector.parser = XML_ParserCreate(isUtf16 ? "UTF-16" : "UTF-8");
@@ -113,12 +113,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   XML_SetCharacterDataHandler(collector.parser, onText);
   XML_SetStartDoctypeDeclHandler(collector.parser, onDoctype);
   XML_SetStartCdataSectionHandler(collector.parser, onCdata);
-  bool accepted = XML_Parse(collector.parser, reinterpret_cast<const char*>(data),
-                            static_cast<int>(size), XML_TRUE) == XML_STATUS_OK;
+  const bool accepted = XML_Parse(collector.parser, reinterpret_cast<const char*>(data),
+                                  static_cast<int>(size), XML_TRUE) == XML_STATUS_OK;
   XML_ParserFree(collector.parser);
-  bool hasReturn = std::find(data, data + size, '\r') != data + size;
+  const bool hasReturn = std::find(data, data + size, '\r') != data + size;
   // expat takes a zero byte for a sign of UTF-16 even without its mark.
-  bool isGuessed = !isUtf16 && std::find(data, data + size, '\0') != data + size;
+  const bool isGuessed = !isUtf16 && std::find(data, data + size, '\0') != data + size;
   if (!accepted || isGuessed || collector.hasDoctype || (collector.hasCdata && hasReturn)) {
     return 0;
   }
@@ -126,8 +126,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
 
-  Buffer input = copyOf(data, size);
-  xml::Document document(xml::parseStr(input.get(), size));
+  const Buffer input = copyOf(data, size);
+  const xml::Document document(xml::parseStr(input.get(), size));
   REQUIRE(document->err[0] == '\0');
   compare(document->xml, collector.top.children.at(0));
   return 0;

@@ -48,7 +48,7 @@ void setCopies(Choices& choices, xml::XmlNode* node) {
 }
 
 void operate(Choices& choices, xml::XmlNode* root) {
-  xml::XmlNode* node = pick(choices, root);
+  xml::XmlNode* const node = pick(choices, root);
   switch (choices.next(8)) {
     case 0:
       xml::setText(node, choices.of(kTexts));
@@ -73,10 +73,10 @@ void operate(Choices& choices, xml::XmlNode* root) {
       node->flags |= xml::kTextAllocated;
       break;
     default: {
-      const char* name = choices.of(kNames);
-      auto* found = xml::get(node, {{name, static_cast<int>(choices.next(3)) - 1}, {"b", 0}});
+      const char* const name = choices.of(kNames);
+      const auto* found = xml::get(node, {{name, static_cast<int>(choices.next(3)) - 1}, {"b", 0}});
       xml::attr(found, name);
-      Buffer text(xml::toXml(node));
+      const Buffer text(xml::toXml(node));
       REQUIRE(text != nullptr);
     }
   }
@@ -85,10 +85,10 @@ void operate(Choices& choices, xml::XmlNode* root) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::size_t choiceCount = size < 32 ? size / 2 : 32;
+  const std::size_t choiceCount = size < 32 ? size / 2 : 32;
   Choices choices(data, choiceCount);
-  Buffer input = copyOf(data + choiceCount, size - choiceCount);
-  xml::Document document(xml::parseStr(input.get(), size - choiceCount));
+  const Buffer input = copyOf(data + choiceCount, size - choiceCount);
+  const xml::Document document(xml::parseStr(input.get(), size - choiceCount));
   while (!choices.empty()) {
     operate(choices, document.node());
   }
@@ -107,8 +107,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     REQUIRE(ordered.empty());
   }
-  Buffer text(xml::toXml(document.node()));
-  Buffer again(xml::toXml(document.node()));
+  const Buffer text(xml::toXml(document.node()));
+  const Buffer again(xml::toXml(document.node()));
   REQUIRE(std::strcmp(text.get(), again.get()) == 0);
   return 0;
 }

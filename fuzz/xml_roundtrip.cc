@@ -6,11 +6,11 @@
 namespace onu::fuzz {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  Buffer input = copyOf(data, size);
-  xml::Document document(xml::parseStr(input.get(), size));
+  const Buffer input = copyOf(data, size);
+  const xml::Document document(xml::parseStr(input.get(), size));
   checkTree(*document.get());
   std::size_t length = 0;
-  Buffer text(xml::toXml(document.node(), &length));
+  const Buffer text(xml::toXml(document.node(), &length));
   REQUIRE(std::strlen(text.get()) == length);
   if (document->xml.name == nullptr) {
     REQUIRE(length == 0);
@@ -18,12 +18,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
 
-  Buffer again = copyOf(text.get(), length);
-  xml::Document second(xml::parseStr(again.get(), length));
+  const Buffer again = copyOf(text.get(), length);
+  const xml::Document second(xml::parseStr(again.get(), length));
   REQUIRE(second->err[0] == '\0');
   checkTree(*second.get());
   compareTrees(*document.get(), *second.get());
-  Buffer secondText(xml::toXml(second.node()));
+  const Buffer secondText(xml::toXml(second.node()));
   REQUIRE(std::strcmp(text.get(), secondText.get()) == 0);
   return 0;
 }

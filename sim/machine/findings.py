@@ -27,12 +27,15 @@ class Findings:
 
 
 class Stage:
-    """A stage: units to try, one after another, each with a flash of its own."""
+    """A stage: units to try, one after another, each with a flash of its own. `numbers` are options
+    of the stage's own and their defaults."""
 
-    def __init__(self, description):
+    def __init__(self, description, **numbers):
         parser = argparse.ArgumentParser(description=description)
         Parts.add_options(parser)
         parser.add_argument("--seed", type=int, default=int(time.time()))
+        for name, usual in numbers.items():
+            parser.add_argument("--" + name, type=int, default=usual)
         parser.add_argument("cases", nargs="*", metavar="CASE")
         self.options = parser.parse_args()
         random.seed(self.options.seed)

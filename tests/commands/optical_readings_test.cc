@@ -16,12 +16,14 @@ namespace {
 constexpr const char* kBus = "/dev/i2c-0";
 constexpr const char* kRegisters = "/tmp/module";
 
-std::string reading(const std::string& temperature, const std::string& voltage,
-                    const std::string& bias, const std::string& tx, const std::string& rx) {
-  return json("{bias:\"" + bias + " mA\",rx_opt_power:\"" + rx + " dBm\",temp:\"" + temperature +
-              " ℃\",tx_opt_power:\"" + tx + " dBm\",voltage:\"" + voltage + " V\"}");
+// The reply with temperature, voltage, bias, and powers sent and received, parted by blanks.
+std::string reading(const std::string& texts) {
+  const Texts values = split(texts, ' ');
+  return json("{bias:\"" + values[2] + " mA\",rx_opt_power:\"" + values[4] + " dBm\",temp:\"" +
+              values[0] + " ℃\",tx_opt_power:\"" + values[3] + " dBm\",voltage:\"" + values[1] +
+              " V\"}");
 }
-const std::string kNothingRead = reading("0.00", "0.00", "0.00", "-inf", "-inf");
+const std::string kNothing = "0.00 0.00 0.00 -inf -inf";
 
 // What the bus sees: the probe, the setting of the register pointer, the read.
 const std::string kSelect = "select address=0x51 ok\n";
@@ -36,7 +38,7 @@ class OpticalModule : public Unit {
  protected:
   void SetUp() override {
     Unit::SetUp();
-    const Outcome trial = withModule("", {kCgi});
+    const Outcome trial = withModule("", kCgi);
     if (trial.status == 77) {
       GTEST_SKIP() << trial.err;
     }
@@ -46,57 +48,48 @@ class OpticalModule : public Unit {
   }
 
   // Runs a program with an optical module of the given register file.
-  static Outcome withModule(const std::string& registers, const Texts& command) {
+  static Outcome withModule(const std::string& registers, const std::string& program) {
     writeFile(kRegisters, registers);
-    std::filesystem::remove("/record/i2c");
-    Texts words = {"--registers", kRegisters, "--record", "/record/i2c", "--"};
-    words.insert(words.end(), command.begin(), command.end());
-    return run("/build/optical-module", words, get("cmd_id=3&action=1"));
+    return run("rm -f /record/i2c; /build/optical-module --registers " + std::string(kRegisters) +
+                   " --record /record/i2c -- " + program,
+               get("cmd_id=3&action=1"));
   }
 
   // The requests on the bus.
-  static std::string traffic() { return shell("sed 's/.* ms  //' /record/i2c").out; }
+  static std::string traffic() { return run("sed 's/.* ms  //' /record/i2c").out; }
   // How many requests of this kind came 1 ms or more after the one before.
   static int rested(const std::string& request) {
-    return std::stoi(shell("grep -cE '^ *[1-9][0-9.]* ms  " + request + "' /record/i2c").out);
+    return std::stoi(run("grep -cE '^ *[1-9][0-9.]* ms  " + request + "' /record/i2c").out);
   }
 };
 
 TEST_F(OpticalModule, IsRead) {
-  struct Case {
-    std::string registers, reply;
-    std::string requests = kAll;
-  };
-  // A module in use, and what becomes of it when the bus fails.
-  const std::string lit = "register 96 0x24 0x80 0x80 0x84 0x30 0x34 0x3F 0x5A 0x00 0xAD\n";
-  const std::string litReply = reading("36.50", "3.29", "12.34", "2.10", "-17.62");
+  const std::string lit = "0x24 0x80 0x80 0x84 0x30 0x34 0x3F 0x5A 0x00 0xAD\n";
+  const std::string values = "36.50 3.29 12.34 2.10 -17.62";
   const std::string probeBlock = "read command=0x00 size=8 length=1 ";
-  for (const auto& [registers, want, requests] : {
-           Case{lit, litReply},
-           {"register 96 0x80 0 0x80 0xE8 0x17 0x70 0x27 0x10 0 1\n",
-            reading("-128.00", "3.30", "6.00", "0.00", "-40.00")},
-           {"register 96 0x7F 255 255 255 255 255 255 255 255 255\n",
-            reading("128.00", "6.55", "65.54", "8.16", "8.16")},
+  const std::string busy = "select address=0x51 EBUSY\n";
+  // The registers from 96 on, the reply to them, and what becomes of both when the bus fails.
+  for (const auto& [registers, want, requests] : std::vector<std::array<std::string, 3>>{
+           {lit, values, kAll},
+           {"0x80 0 0x80 0xE8 0x17 0x70 0x27 0x10 0 1\n", "-128.00 3.30 6.00 0.00 -40.00", kAll},
+           {"0x7F 255 255 255 255 255 255 255 255 255\n", "128.00 6.55 65.54 8.16 8.16", kAll},
            // 9999 is a hair below 0 dBm.
-           {"register 96 255 0 0 0 0 0 0x27 0x0F 0 0\n",
-            reading("-1.00", "0.00", "0.00", "-0.00", "-inf")},
+           {"255 0 0 0 0 0 0x27 0x0F 0 0\n", "-1.00 0.00 0.00 -0.00 -inf", kAll},
            // 32950 and 65 print otherwise in double precision, 22413 and 35359 in single.
-           {"register 96 0 0 0x80 0xB6 0 65 0x57 0x8D 0x8A 0x1F\n",
-            reading("0.00", "3.30", "0.06", "3.50", "5.48")},
-           {lit + "fault absent\n", kNothingRead,
+           {"0 0 0x80 0xB6 0 65 0x57 0x8D 0x8A 0x1F\n", "0.00 3.30 0.06 3.50 5.48", kAll},
+           {lit + "fault absent\n", kNothing,
             kSelect + kProbe + "ENXIO\n" + probeBlock + "ENXIO\n" + kPointer + "ENXIO\n"},
-           {lit + "fault address\n", kNothingRead,
-            "select address=0x51 EBUSY\nselect address=0x51 EBUSY\n"},
-           {lit + "fault pointer\n", kNothingRead, kAwake + kPointer + "ENXIO\n"},
-           {lit + "fault block_read\n", kNothingRead, kAwake + kPointed + kBlock + "EIO\n"},
-           {lit + "short_bytes 0\n", litReply,
+           {lit + "fault address\n", kNothing, busy + busy},
+           {lit + "fault pointer\n", kNothing, kAwake + kPointer + "ENXIO\n"},
+           {lit + "fault block_read\n", kNothing, kAwake + kPointed + kBlock + "EIO\n"},
+           {lit + "short_bytes 0\n", values,
             kSelect + kProbe + "EIO\n" + probeBlock + "ok\n" + kPointed + kBlock + "ok\n"},
            // Half of the bias pair is there: 0x30 and 0.
-           {lit + "short_block 5\n", reading("36.50", "3.29", "12.29", "-inf", "-inf")},
-           {lit + "short_block 0\n", kNothingRead},
+           {lit + "short_block 5\n", "36.50 3.29 12.29 -inf -inf", kAll},
+           {lit + "short_block 0\n", kNothing, kAll},
        }) {
-    const Outcome outcome = withModule(registers, {kCgi});
-    EXPECT_EQ(outcome.out + outcome.err, want) << registers;
+    const Outcome outcome = withModule("register 96 " + registers, kCgi);
+    EXPECT_EQ(outcome.out + outcome.err, reading(want)) << registers;
     EXPECT_EQ(traffic(), requests) << registers;
     EXPECT_EQ(rested("write"), requests.find("write") == std::string::npos ? 0 : 1)
         << "between the selection and the first transfer";
@@ -123,7 +116,6 @@ TEST(OnSimulatedBus, DISABLED_ByteModeAndLongReads) {
   EXPECT_TRUE(readSmbusBlocks(bus.get(), 0, bytes.data(), 32));
   EXPECT_TRUE(readSmbusBytes(bus.get(), bytes.data(), 100));
   EXPECT_FALSE(readSmbusBytes(bus.get(), bytes.data(), 101));
-
   writeFile(kRegisters, "short_block 0\n");
   EXPECT_FALSE(readSmbusBlocks(bus.get(), 0, bytes.data(), 33));
   writeFile(kRegisters, "register 96 1 1 1 1 1 1 1 1 1 1\nshort_bytes 3\n");
@@ -132,35 +124,27 @@ TEST(OnSimulatedBus, DISABLED_ByteModeAndLongReads) {
 }
 
 TEST_F(OpticalModule, ByteModeAndLongReads) {
-  std::string counting = "register 0";
-  for (int i = 0; i < 256; ++i) {
-    counting += " " + std::to_string(i);
-  }
-  const Outcome outcome = withModule(
-      counting + "\n", {std::filesystem::read_symlink("/proc/self/exe"),
-                        "--gtest_also_run_disabled_tests", "--gtest_filter=OnSimulatedBus.*"});
+  const Outcome outcome = withModule(run("echo register 0 $(seq 0 255)").out,
+                                     "/build/commands_test --gtest_also_run_disabled_tests "
+                                     "--gtest_filter=OnSimulatedBus.*");
   EXPECT_EQ(outcome.status, 0) << outcome.out;
-  std::string expected = kAwake + kPointed;
-  for (int i = 0; i < 10; ++i) {
-    expected += kProbe + "ok\n";
-  }
-  expected += kSelect +
-              "read command=0xc8 size=6 length=32 ok\nread command=0xe8 size=6 length=32 ok\n"
-              "read command=0x08 size=8 length=6 ok\nread command=0x00 size=6 length=32 ok\n" +
-              kProbe + "ok\n";
-  EXPECT_EQ(traffic().substr(0, expected.size()), expected);
+  EXPECT_NE(traffic().find(kPointed + kProbe + "ok\n" + kProbe + "ok\n"), std::string::npos);
+  EXPECT_NE(traffic().find("read command=0xe8 size=6 length=32 ok\n"
+                           "read command=0x08 size=8 length=6 ok\n"),
+            std::string::npos);
   EXPECT_GE(rested("read command=0x00 size=1"), 210) << "before every byte";
 }
 
 // Without the simulated bus: runs under an emulator, too.
 TEST_F(Unit, NoOpticalModuleReadsAsZeros) {
-  EXPECT_EQ(reply("cmd_id=3"), kNothingRead) << "no bus";
+  EXPECT_EQ(reply("cmd_id=3"), reading(kNothing)) << "no bus";
   std::filesystem::remove(kBus);
   const Outcome outcome = cgi(get("cmd_id=3&action=0"));
   writeFile(kBus, "");
-  EXPECT_EQ(outcome.out, kNothingRead);
-  EXPECT_EQ(outcome.err,
-            "In this SFU could not open I2C bus file /dev/i2c-0, No such file or directory(2)\n");
+  EXPECT_EQ(outcome.out + outcome.err,
+            reading(kNothing) +
+                "In this SFU could not open I2C bus file /dev/i2c-0, No such file or "
+                "directory(2)\n");
 }
 
 }  // namespace

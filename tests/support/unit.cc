@@ -1,22 +1,99 @@
 #include "tests/support/unit.h"
 
-#include <sys/mman.h>
+#include <sys/inotify.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <functional>
 #include <sstream>
 
 namespace onu::test {
+namespace {
+
 namespace fs = std::filesystem;
 
+constexpr const char* kSuffix = "_xml_cfg_file.xml";
+
+// The names of the files written while a request is answered, again without a change as well.
+std::string written(const std::function<void()>& request) {
+  const int queue = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+  for (const char* folder : {"/var/tevo/website/www/xml", "/etc/xml_params",
+                             "/sys/devices/platform/tpm/cfg_traffic", "/tmp", "/record"}) {
+    EXPECT_GE(::inotify_add_watch(queue, folder, IN_MODIFY | IN_MOVED_TO), 0) << folder;
+  }
+  request();
+  std::string names;
+  alignas(inotify_event) std::array<char, 65536> buffer;
+  const char* const end = buffer.data() + ::read(queue, buffer.data(), buffer.size());
+  ::close(queue);
+  for (const char* at = buffer.data(); at < end;) {
+    const auto* const event = reinterpret_cast<const inotify_event*>(at);
+    const std::string name = event->name;
+    // A hidden file is a settings file to be: it counts once it has got its name.
+    names += name.front() == '.' ? "" : name.substr(0, name.find(kSuffix)) + " ";
+    at += sizeof *event + event->len;
+  }
+  return names;
+}
+
+bool replaceAll(std::string& text, const std::string& from, const std::string& to) {
+  bool found = false;
+  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+    text.replace(at, from.size(), to);
+    found = true;
+  }
+  return found;
+}
+
+// Settings as the tree writes them, in which every value is a text of its own.
+Unit::Files settings() {
+  std::string tx;
+  std::string rx;
+  for (const char* queue : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"}) {
+    tx.append(R"(<queue sched_method="m" weight="w)").append(queue);
+    tx.append("\" size=\"s").append(queue).append("\"></queue>\n");
+    rx.append("<queue size=\"r").append(queue).append("\"></queue>\n");
+  }
+  return {
+      {"tevo", R"(<m><commInfo><model>M</model><softwareVersion>S"1</softwareVersion></commInfo>
+<ipInfo><ipAddress>192.168.1.1</ipAddress><netMask>255.255.255.0</netMask>
+  <onu_mac>02:10:20:30:40:50</onu_mac></ipInfo>
+<account><admin>se&lt;cret</admin><user></user></account>
+<vlan><port mode="v0" default_vid="d0" vid_sum="n0" vid_serial="l0">0</port>
+  <port mode="v1" default_vid="d1" vid_sum="n1" vid_serial="l1">1</port></vlan><onu>
+<fec_mode>fm</fec_mode><fec_ability>fa</fec_ability><sn>sn</sn><loid password="lp">li</loid></onu>
+<switch><port phy_admin="p0" flow_control="f0" auto_neg="a0" mode="m0" mode_max="x0">0</port>
+  <o></o><port mode="&lt;">1</port></switch>
+<mac_aging_time><eth_port time="9">1</eth_port><eth_port time="300">0</eth_port></mac_aging_time>
+<storm><port mode="b0" bs_thresh="t0">0</port><port mode="b1">1</port></storm></m>)"},
+      {"tpm",
+       R"(<t><mtu_setting><mtu_setting_enabled>e</mtu_setting_enabled><ipv4_mtu_ds>ds</ipv4_mtu_ds>
+<ipv4_mtu_us>us</ipv4_mtu_us><ipv4_pppoe_mtu_us>po</ipv4_pppoe_mtu_us></mtu_setting><port_init>
+<tx_module_parameters><tx_mod></tx_mod><tx_mod><queue_map><queue></queue></queue_map></tx_mod>
+<tx_mod><queue_map>)" +
+           tx + R"(</queue_map></tx_mod><tx_mod></tx_mod></tx_module_parameters>
+<gmac_config><gmac_rx_queues><gmac></gmac><gmac><queue></queue></gmac><gmac>)" +
+           rx +
+           R"(</gmac><gmac></gmac></gmac_rx_queues></gmac_config></port_init>
+<flow_control><enabled>on</enabled></flow_control></t>)"},
+      {"eoam", R"(<e><ONU_MULTICAST><oam_multicast_switch>a&lt;"b</oam_multicast_switch>
+<port groupnum="32"></port><port groupnum="33"></port></ONU_MULTICAST><ONU_LOOPDETECT>
+<port loopdetect="1">0</port><port loopdetect="2">1</port></ONU_LOOPDETECT></e>)"},
+      {"omci", R"(<o><OMCI_MIB><ctcLOIDAuth loid="gl" password="gp"></ctcLOIDAuth>
+<ethPortIsolated a="&quot;" enabled="true"></ethPortIsolated></OMCI_MIB></o>)"},
+      {"gpon", R"(<g><PON><PON_serial_num>ABCD0000</PON_serial_num>
+<PON_passwd>pp</PON_passwd><PON_serial_src>1</PON_serial_src></PON></g>)"}};
+}
+
+}  // namespace
+
 Request get(const std::string& query) {
-  return {{{"REQUEST_METHOD", "GET"}, {"QUERY_STRING", query}}, ""};
+  return {{{"REQUEST_METHOD", "GET"}, {"QUERY_STRING", query}}};
 }
 
 Request post(const std::string& body, const std::string& length) {
@@ -44,6 +121,8 @@ std::string errorPage(int code, const std::string& message) {
          " -- " + message + "</p></BODY></HTML>\n";
 }
 
+std::string eoam(const std::string& line) { return "eoam\n" + line + "\n\nquit\n"; }
+
 std::string readFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
@@ -51,10 +130,8 @@ std::string readFile(const std::string& path) {
 
 void writeFile(const std::string& path, const std::string& text) {
   fs::create_directories(fs::path(path).parent_path());
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file << text;
-  file.close();
-  ASSERT_TRUE(file.good()) << "cannot write " << path;
+  std::ofstream file(path, std::ios::binary);
+  ASSERT_TRUE(file << text << std::flush) << "cannot write " << path;
 }
 
 Texts split(const std::string& text, char end) {
@@ -82,42 +159,78 @@ void Unit::SetUp() {
   reset();
 }
 
-Outcome Unit::run(const std::string& program, Texts arguments, const Request& request) {
+Outcome Unit::run(const std::string& line, const Request& request) {
   fs::remove("/record/commands");
   fs::remove("/record/clish");
-  arguments.insert(arguments.begin(), program);
-  std::vector<char*> words;
-  for (std::string& argument : arguments) {
-    words.push_back(argument.data());
-  }
-  words.push_back(nullptr);
-  int streams[3];
-  std::generate(std::begin(streams), std::end(streams),
-                [] { return ::memfd_create("stream", MFD_CLOEXEC); });
-  const auto path = [&](int stream) { return "/proc/self/fd/" + std::to_string(streams[stream]); };
-  writeFile(path(STDIN_FILENO), request.body);
+  writeFile("/run/in", request.body);
+  const std::string whole = "{ " + line + "\n} </run/in >/run/out 2>/run/err";
   const pid_t child = ::fork();
   if (child == 0) {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-      ::dup2(streams[stream], stream);
-    }
     ::signal(SIGPIPE, SIG_DFL);
     ::clearenv();
     ::setenv("PATH", "/bin:/sbin", 1);
     for (const auto& [variable, value] : request.environment) {
       ::setenv(variable.c_str(), value.c_str(), 1);
     }
-    ::execv(words[0], words.data());
-    ::_exit(127);
+    ::execl("/bin/busybox", "sh", "-c", whole.c_str(), nullptr);
   }
   int status = 0;
   ::waitpid(child, &status, 0);
-  Outcome outcome = {readFile(path(STDOUT_FILENO)), readFile(path(STDERR_FILENO)),
-                     WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-                     split(readFile("/record/commands"), '\0'),
-                     split(readFile("/record/clish"), '\0')};
-  std::for_each(std::begin(streams), std::end(streams), ::close);
-  return outcome;
+  return {readFile("/run/out"), readFile("/run/err"), WEXITSTATUS(status),
+          split(readFile("/record/commands"), '\0'), split(readFile("/record/clish"), '\0')};
+}
+
+std::string Unit::files() {
+  return run("find /etc/xml_params /tmp /var/tevo/website/www/xml/*.xml -type f "
+             "-exec md5sum {} + | sort -k 2")
+      .out;
+}
+
+std::string Unit::path(const std::string& file) {
+  return file == "tevo" ? kSettings : "/etc/xml_params/" + file + kSuffix;
+}
+
+void Unit::check(const std::vector<Case>& cases, const Files& other) {
+  for (const Case& c : cases) {
+    const std::string label = c.query.substr(0, 100) + (other.empty() ? "" : other.begin()->second);
+    Files want = other;
+    want.merge(settings());
+    for (const auto& [file, text] : want) {
+      writeFile(path(file), text);
+      if (text == kAbsent) {
+        fs::remove(path(file));
+      }
+    }
+    writeFile("/tmp/TempFile", "a longer script that another process has left behind" + c.query);
+    Outcome outcome;
+    EXPECT_EQ(written([&] { outcome = cgi(get(c.query)); }), c.written) << label;
+    const bool isBody = !c.reply.empty() && c.reply.find("HTTP/") == std::string::npos;
+    EXPECT_EQ(outcome.out, isBody ? json(c.reply) : c.reply) << label;
+    const Texts& runs = outcome.scripts.empty() ? outcome.commands : outcome.scripts;
+    EXPECT_EQ(runs, split(c.runs, '|')) << label;
+    const Texts changes = split(c.changes, '|');
+    for (std::size_t i = 0; i + 1 < changes.size(); i += 2) {
+      bool found = false;
+      for (auto& [file, text] : want) {
+        found = replaceAll(text, changes[i], changes[i + 1]) || found;
+      }
+      EXPECT_TRUE(found) << label << ": " << changes[i];
+    }
+    for (const auto& [file, text] : want) {
+      EXPECT_EQ(exists(path(file)) ? readFile(path(file)) : kAbsent, text) << label;
+    }
+  }
+}
+
+void Unit::checkWithoutValues(const std::vector<Case>& cases) {
+  for (const char* content : {"<x><vlan/><switch/><mac_aging_time/><storm/><flow_control/></x>", "",
+                              "no xml", "\xff\xfe<", kAbsent}) {
+    Files files;
+    for (const auto& [file, text] : settings()) {
+      files[file] = content;
+    }
+    check(cases, files);
+  }
 }
 
 }  // namespace onu::test
