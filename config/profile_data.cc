@@ -2,12 +2,15 @@
 
 #include <string_view>
 
-#include "base/number.h"
 #include "config/profile_values.h"
 #include "config/settings_file.h"
 
 namespace onu {
 namespace {
+
+constexpr const char* kVendor = "Vendor";
+constexpr const char* kMulticast = "ONU_MULTICAST";
+constexpr const char* kMulticastSwitch = "oam_multicast_switch";
 
 std::string asIs(std::string_view value) { return std::string(value); }
 
@@ -55,18 +58,12 @@ constexpr Entry<Firmware> kFirmwareEntries[] = {
     {{"Firmware version", &Firmware::version}, dottedVersion},
 };
 
-enum class Chain { kMissing, kEmpty, kRead };
-
-// Fills `record` from the chain of one of the profile's groups.
+// Fills `record` from the chain of one of the profile's groups. -1 without the group, else 0.
 template <typename Record, std::size_t count>
-Chain readChain(const SettingsFile& file, const char* group, const Entry<Record> (&entries)[count],
-                Record& record) {
-  const xml::XmlNode* const parent = file.find({group});
-  if (parent == nullptr) {
-    return Chain::kMissing;
-  }
-  const xml::XmlNode* const first = xml::child(parent, "attrib");
-  for (const xml::XmlNode* attrib = first; attrib != nullptr; attrib = attrib->next) {
+int readChain(const SettingsFile& file, const char* group, const Entry<Record> (&entries)[count],
+              Record& record) {
+  const xml::XmlNode* attrib = file.find({group, "attrib"});
+  for (; attrib != nullptr; attrib = attrib->next) {
     const char* const name = xml::attr(attrib, "name");
     const char* const value = xml::attr(attrib, "value");
     if (name == nullptr || value == nullptr) {
@@ -79,54 +76,38 @@ Chain readChain(const SettingsFile& file, const char* group, const Entry<Record>
       }
     }
   }
-  return first == nullptr ? Chain::kEmpty : Chain::kRead;
-}
-
-int toResult(Chain chain) { return chain == Chain::kMissing ? -1 : 0; }
-
-int readVendorInfo(const SettingsFile& file, VendorInfo& info) {
-  return toResult(readChain(file, "Vendor", kVendorEntries, info));
-}
-
-int readChipInfo(const SettingsFile& file, ChipInfo& info) {
-  return toResult(readChain(file, "Vendor", kChipEntries, info));
+  return file.find({group}) == nullptr ? -1 : 0;
 }
 
 int readCapability(const SettingsFile& file, CapabilityInfo& info) {
-  const Chain chain = readChain(file, "Capability", kCapabilityEntries, info);
-  if (chain == Chain::kRead) {
+  const int result = readChain(file, "Capability", kCapabilityEntries, info);
+  if (file.find({"Capability", "attrib"}) != nullptr) {
     info.onuType = onuTypeName(info.onuType);
   }
-  return toResult(chain);
+  return result;
 }
 
 int readFirmwareVersion(const SettingsFile& file, std::string& version) {
   Firmware firmware;
-  const Chain chain = readChain(file, "Vendor", kFirmwareEntries, firmware);
-  if (chain == Chain::kRead) {
+  const int result = readChain(file, kVendor, kFirmwareEntries, firmware);
+  if (file.find({kVendor, "attrib"}) != nullptr) {
     version = firmware.version;
   }
-  return toResult(chain);
+  return result;
 }
 
 xml::XmlNode* findLoopPort(const SettingsFile& file, const std::string& port) {
-  const std::int32_t number = toNumber(port);
-  return number < 0 ? nullptr : xml::idx(file.find({"ONU_LOOPDETECT", "port"}), number);
+  return findNumbered(file.find({"ONU_LOOPDETECT", "port"}), port);
 }
 
 }  // namespace
 
-ProfileData& ProfileData::getInstance() {
-  static ProfileData instance;
-  return instance;
-}
-
 int ProfileData::getVendorInfo(VendorInfo& info) const {
-  return readVendorInfo(SettingsFile(kProfilePath), info);
+  return readChain(SettingsFile(kProfilePath), kVendor, kVendorEntries, info);
 }
 
 int ProfileData::getChipInfo(ChipInfo& info) const {
-  return readChipInfo(SettingsFile(kProfilePath), info);
+  return readChain(SettingsFile(kProfilePath), kVendor, kChipEntries, info);
 }
 
 int ProfileData::getCapability(CapabilityInfo& info) const {
@@ -139,44 +120,42 @@ int ProfileData::getFirmwareVersion(std::string& version) const {
 
 void ProfileData::getProfile(OnuProfile& profile) const {
   const SettingsFile file(kProfilePath);
-  readVendorInfo(file, profile.vendor);
-  readChipInfo(file, profile.chip);
+  readChain(file, kVendor, kVendorEntries, profile.vendor);
+  readChain(file, kVendor, kChipEntries, profile.chip);
   readFirmwareVersion(file, profile.firmwareVersion);
   readCapability(file, profile.capability);
 }
 
 int ProfileData::getMulticastSwitch(std::string& mode) const {
-  const SettingsFile file(eoamPath_);
-  return copyText(file.find({"ONU_MULTICAST", "oam_multicast_switch"}), mode);
+  return copyText(SettingsFile(path_).find({kMulticast, kMulticastSwitch}), mode);
 }
 
 int ProfileData::setMulticastSwitch(const std::string& mode) const {
-  return storeText(eoamPath_, {"ONU_MULTICAST", "oam_multicast_switch"}, mode);
+  return storeText(path_, kMulticast, kMulticastSwitch, mode);
 }
 
 int ProfileData::getMulticastGroupNum(std::string& number) const {
-  const SettingsFile file(eoamPath_);
-  return copyAttribute(file.find({"ONU_MULTICAST", "port"}), "groupnum", number);
+  return copyAttribute(SettingsFile(path_).find({kMulticast, "port"}), "groupnum", number);
 }
 
 void ProfileData::getPortFeatures(const std::string& port, PortFeatures& features) const {
-  const SettingsFile file(eoamPath_);
-  copyText(file.find({"ONU_MULTICAST", "oam_multicast_switch"}), features.multicastSwitch);
-  copyAttribute(file.find({"ONU_MULTICAST", "port"}), "groupnum", features.multicastGroupNum);
+  const SettingsFile file(path_);
+  copyText(file.find({kMulticast, kMulticastSwitch}), features.multicastSwitch);
+  copyAttribute(file.find({kMulticast, "port"}), "groupnum", features.multicastGroupNum);
   copyAttribute(findLoopPort(file, port), "loopdetect", features.loopDetect);
 }
 
 int ProfileData::getLoopDetect(const std::string& port, std::string& mode) const {
-  const SettingsFile file(eoamPath_);
+  const SettingsFile file(path_);
   const xml::XmlNode* const element = findLoopPort(file, port);
   copyAttribute(element, "loopdetect", mode);
   return element == nullptr ? -1 : 0;
 }
 
 int ProfileData::setLoopDetect(const std::string& port, const std::string& mode) const {
-  const EditedSettings file(eoamPath_);
-  return file.finish(
-      editAttribute(findLoopPort(file, port), "loopdetect", mode, Write::kIfChanged));
+  SettingsFile file(path_);
+  file.setAttribute(findLoopPort(file, port), "loopdetect", mode);
+  return file.save();
 }
 
 }  // namespace onu
