@@ -57,16 +57,6 @@ constexpr std::array kRows = {
     Command{30, sendStormLimit, storeStormLimit},
 };
 
-constexpr bool ascending() {
-  for (std::size_t i = 1; i < kRows.size(); ++i) {
-    if (kRows[i - 1].number >= kRows[i].number) {
-      return false;
-    }
-  }
-  return true;
-}
-static_assert(ascending(), "commands are looked up by binary search");
-
 }  // namespace
 
 CommandTable commandTable() { return {kRows.data(), kRows.size()}; }
