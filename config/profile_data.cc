@@ -8,34 +8,30 @@
 namespace onu {
 namespace {
 
-constexpr const char* kVendor = "Vendor";
 constexpr const char* kMulticast = "ONU_MULTICAST";
 constexpr const char* kMulticastSwitch = "oam_multicast_switch";
 
 std::string asIs(std::string_view value) { return std::string(value); }
 
 // A label of the profile, the field it fills and how its value is taken.
-template <typename Record>
 struct Entry {
-  Field<Record> field;
+  Field<OnuProfile> field;
   std::string (*take)(std::string_view value) = asIs;
 };
 
-constexpr Entry<VendorInfo> kVendorEntries[] = {
+constexpr Entry kVendorEntries[] = {
     {{"ONU vendor name", &VendorInfo::vendor}},
     {{"Model for eOAM", &VendorInfo::model}},
     {{"HW version", &VendorInfo::hwVersion}},
     {{"SW version", &VendorInfo::swVersion}},
-};
-
-constexpr Entry<ChipInfo> kChipEntries[] = {
     {{"Chip vendor ID", &ChipInfo::chipId}, withoutPrefix},
     {{"Chip revision", &ChipInfo::revision}, withoutPrefix},
     {{"Chip version", &ChipInfo::icDate}, chipDate},
     {{"Chip model", &ChipInfo::model}, withoutPrefix},
+    {{"Firmware version", &OnuProfile::firmwareVersion}, dottedVersion},
 };
 
-constexpr Entry<CapabilityInfo> kCapabilityEntries[] = {
+constexpr Entry kCapabilityEntries[] = {
     {{"ONU type", &CapabilityInfo::onuType}},
     {{"GE Ethernet port number", &CapabilityInfo::geNum}},
     {{"GE Ethernet port bitmap", &CapabilityInfo::geBitmap}},
@@ -50,49 +46,48 @@ constexpr Entry<CapabilityInfo> kCapabilityEntries[] = {
     {{"Battery backup support capability", &CapabilityInfo::batteryBackup}},
 };
 
-struct Firmware {
-  std::string version;
-};
-
-constexpr Entry<Firmware> kFirmwareEntries[] = {
-    {{"Firmware version", &Firmware::version}, dottedVersion},
-};
-
-// Fills `record` from the chain of one of the profile's groups. -1 without the group, else 0.
-template <typename Record, std::size_t count>
-int readChain(const SettingsFile& file, const char* group, const Entry<Record> (&entries)[count],
-              Record& record) {
-  const xml::XmlNode* attrib = file.find({group, "attrib"});
+template <std::size_t count>
+void readChain(const xml::XmlNode* attrib, const Entry (&entries)[count], OnuProfile& profile) {
   for (; attrib != nullptr; attrib = attrib->next) {
     const char* const name = xml::attr(attrib, "name");
     const char* const value = xml::attr(attrib, "value");
     if (name == nullptr || value == nullptr) {
-      break;
+      return;
     }
     const std::string_view label = name;
     for (const auto& [field, take] : entries) {
       if (field.name == label) {
-        record.*field.member = take(value);
+        profile.*field.member = take(value);
       }
     }
   }
-  return file.find({group}) == nullptr ? -1 : 0;
 }
 
-int readCapability(const SettingsFile& file, CapabilityInfo& info) {
-  const int result = readChain(file, "Capability", kCapabilityEntries, info);
-  if (file.find({"Capability", "attrib"}) != nullptr) {
-    info.onuType = onuTypeName(info.onuType);
+// These two return 0, or -1 without the group.
+
+int readVendor(const SettingsFile& file, OnuProfile& profile) {
+  if (const xml::XmlNode* const first = file.find({"Vendor", "attrib"})) {
+    profile.firmwareVersion.clear();
+    readChain(first, kVendorEntries, profile);
   }
-  return result;
+  return file.find({"Vendor"}) == nullptr ? -1 : 0;
 }
 
-int readFirmwareVersion(const SettingsFile& file, std::string& version) {
-  Firmware firmware;
-  const int result = readChain(file, kVendor, kFirmwareEntries, firmware);
-  if (file.find({kVendor, "attrib"}) != nullptr) {
-    version = firmware.version;
+int readCapability(const SettingsFile& file, OnuProfile& profile) {
+  if (const xml::XmlNode* const first = file.find({"Capability", "attrib"})) {
+    readChain(first, kCapabilityEntries, profile);
+    profile.onuType = onuTypeName(profile.onuType);
   }
+  return file.find({"Capability"}) == nullptr ? -1 : 0;
+}
+
+// A getter of one part, whose missing values keep what `part` holds.
+template <typename Part>
+int readPart(int (*read)(const SettingsFile&, OnuProfile&), Part& part) {
+  OnuProfile profile;
+  static_cast<Part&>(profile) = part;
+  const int result = read(SettingsFile(kProfilePath), profile);
+  part = profile;
   return result;
 }
 
@@ -102,28 +97,26 @@ xml::XmlNode* findLoopPort(const SettingsFile& file, const std::string& port) {
 
 }  // namespace
 
-int ProfileData::getVendorInfo(VendorInfo& info) const {
-  return readChain(SettingsFile(kProfilePath), kVendor, kVendorEntries, info);
-}
+int ProfileData::getVendorInfo(VendorInfo& info) const { return readPart(readVendor, info); }
 
-int ProfileData::getChipInfo(ChipInfo& info) const {
-  return readChain(SettingsFile(kProfilePath), kVendor, kChipEntries, info);
-}
+int ProfileData::getChipInfo(ChipInfo& info) const { return readPart(readVendor, info); }
 
 int ProfileData::getCapability(CapabilityInfo& info) const {
-  return readCapability(SettingsFile(kProfilePath), info);
+  return readPart(readCapability, info);
 }
 
 int ProfileData::getFirmwareVersion(std::string& version) const {
-  return readFirmwareVersion(SettingsFile(kProfilePath), version);
+  OnuProfile profile;
+  profile.firmwareVersion = version;
+  const int result = readVendor(SettingsFile(kProfilePath), profile);
+  version = profile.firmwareVersion;
+  return result;
 }
 
 void ProfileData::getProfile(OnuProfile& profile) const {
   const SettingsFile file(kProfilePath);
-  readChain(file, kVendor, kVendorEntries, profile.vendor);
-  readChain(file, kVendor, kChipEntries, profile.chip);
-  readFirmwareVersion(file, profile.firmwareVersion);
-  readCapability(file, profile.capability);
+  readVendor(file, profile);
+  readCapability(file, profile);
 }
 
 int ProfileData::getMulticastSwitch(std::string& mode) const {

@@ -37,11 +37,8 @@ struct CapabilityInfo {
   std::string onuType;  // name, or the number of a type without one
 };
 
-struct OnuProfile {
-  VendorInfo vendor;
-  ChipInfo chip;
+struct OnuProfile : VendorInfo, ChipInfo, CapabilityInfo {
   std::string firmwareVersion;
-  CapabilityInfo capability;
 };
 
 struct PortFeatures {
