@@ -9,10 +9,8 @@
 #include "commands/optical_readings.h"
 #include "commands/pon_authentication.h"
 #include "commands/pon_counters.h"
-#include "commands/port_settings.h"
-#include "commands/port_status.h"
 #include "commands/traffic_shaping.h"
-#include "commands/unit_information.h"
+#include "commands/unit_status.h"
 #include "commands/vlan.h"
 
 namespace onu {

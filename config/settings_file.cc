@@ -62,20 +62,18 @@ int SettingsFile::save() const {
 }
 
 int copyText(const xml::XmlNode* node, std::string& value) {
-  if (node == nullptr) {
-    return -1;
+  if (node != nullptr) {
+    value = node->txt;
   }
-  value = node->txt;
-  return 0;
+  return node == nullptr ? -1 : 0;
 }
 
 int copyAttribute(const xml::XmlNode* node, const char* name, std::string& value) {
   const char* const text = xml::attr(node, name);
-  if (text == nullptr) {
-    return -1;
+  if (text != nullptr) {
+    value = text;
   }
-  value = text;
-  return 0;
+  return text == nullptr ? -1 : 0;
 }
 
 int loadText(const char* path, const char* group, const char* name, std::string& value) {

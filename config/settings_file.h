@@ -29,8 +29,8 @@ class SettingsFile {
   void setText(xml::XmlNode* node, const std::string& value);
   void setAttribute(xml::XmlNode* node, const char* name, const std::string& value);
 
-  // The last step of a setter, and its result: -1, with nothing written, when it has failed, else 0.
-  // Writes the file back as a whole, with kIfChanged only when something has been set.
+  // The last step of a setter, and its result: -1, with nothing written, when it has failed, else
+  // 0. Writes the file back as a whole, with kIfChanged only when something has been set.
   int save() const;
 
  private:

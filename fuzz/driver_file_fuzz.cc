@@ -53,7 +53,7 @@ void compare(const std::string& text, onu::TokenIndex indexing, std::size_t coun
   std::vector<std::string> tokens(count);
   onu::splitTokens(text, indexing, tokens.data(), tokens.size());
   onu::fuzz::check(tokens == want, indexing == onu::TokenIndex::kPerFile ? "tokens of the file"
-                                                                        : "tokens of each line");
+                                                                         : "tokens of each line");
 }
 
 }  // namespace
