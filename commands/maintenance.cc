@@ -14,6 +14,8 @@ namespace onu {
 namespace {
 
 constexpr const char* kReboot = "/sbin/reboot";
+constexpr const char* kTakeMainSettings =
+    "cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/tevo_xml_cfg_file.xml";
 
 void run(std::initializer_list<const char*> commands) {
   for (const char* const command : commands) {
@@ -88,9 +90,7 @@ void exportConfiguration(WebRequest& request) {
 void importConfiguration(WebRequest& request) {
   replyAfterWork(
       request.reply,
-      {"mv /tmp/recFile /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ",
-       "cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  "
-       "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml",
+      {"mv /tmp/recFile /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings,
        "cp -rf /tmp/xml_config/*.*  /etc/xml_params/",
        // The main settings have their place with the pages; no second copy is to stay behind.
        "rm -rf /etc/xml_params/tevo*.*", "rm -rf /tmp/xml_config", "rm -f /tmp/xml_in.tar"});

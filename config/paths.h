@@ -17,6 +17,7 @@ class Accessor {
  public:
   // Created on first use, never destroyed.
   static Data& getInstance() {
+    // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): holds a constant
     static Data instance;
     return instance;
   }
