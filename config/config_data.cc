@@ -102,7 +102,7 @@ int ConfigData::setIpInfo(const IpInfo& info) const {
   if (info.ipAddress.size() < kShortest || info.netMask.size() < kShortest) {
     return -1;
   }
-  SettingsFile file(path_);
+  SettingsFile file(path_, Write::kIfChanged);
   file.setText(file.find({"ipInfo", "ipAddress"}), info.ipAddress);
   file.setText(file.find({"ipInfo", "netMask"}), info.netMask);
   return saveIpInfo(file, "set ip address type  error");
@@ -206,7 +206,7 @@ int ConfigData::getMacAgingTime(const std::string& port, std::string& time) cons
 }
 
 int ConfigData::setMacAgingTime(const std::string& port, const std::string& time) const {
-  SettingsFile file(path_);
+  SettingsFile file(path_, Write::kIfChanged);
   file.setAttribute(findNamed(file.find({"mac_aging_time", "eth_port"}), port), "time", time);
   return file.save();
 }

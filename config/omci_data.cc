@@ -34,7 +34,7 @@ int OmciData::getPortIsolation(std::string& enabled) const {
 }
 
 int OmciData::setPortIsolation(const std::string& enabled) const {
-  SettingsFile file(path_);
+  SettingsFile file(path_, Write::kIfChanged);
   xml::XmlNode* const isolation = file.find({"OMCI_MIB", "ethPortIsolated"});
   if (xml::attr(isolation, "enabled") == nullptr) {
     return -1;

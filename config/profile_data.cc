@@ -146,7 +146,7 @@ int ProfileData::getLoopDetect(const std::string& port, std::string& mode) const
 }
 
 int ProfileData::setLoopDetect(const std::string& port, const std::string& mode) const {
-  SettingsFile file(path_);
+  SettingsFile file(path_, Write::kIfChanged);
   file.setAttribute(findLoopPort(file, port), "loopdetect", mode);
   return file.save();
 }

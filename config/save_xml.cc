@@ -84,7 +84,11 @@ bool keepsOldText(int error) {
   return error == ENOSPC || error == EDQUOT || error == EFBIG || error == EIO;
 }
 
-// The three below return 0 or an error number.
+void complainOfSave(const std::string& path, int error) {
+  complain({"cannot save ", path, ": ", std::strerror(error)});
+}
+
+// The two below return 0 or an error number.
 
 int writeInPlace(const std::string& path, std::string_view text) {
   const Fd file = Fd::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
@@ -121,37 +125,45 @@ std::string linkTarget(const std::string& link) {
   return (isAbsolute ? std::string() : link.substr(0, link.rfind('/') + 1)).append(target);
 }
 
-// `path` becomes that of the file itself, behind any symbolic link.
-int replaceFile(std::string& path, std::string_view text) {
-  constexpr int kMostLinks = 40;  // in a row, as the kernel has it
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_NOFOLLOW;
-  Fd file = Fd::open(path.c_str(), kFlags);
-  for (int link = 0; !file && errno == ELOOP && link < kMostLinks; ++link) {
-    path = linkTarget(path);
-    file = Fd::open(path.c_str(), kFlags);
-  }
-  struct stat old {};
-  if (!file || ::fstat(file.get(), &old) != 0) {
-    return errno;
-  }
-  // Beyond a limit of file sizes (ulimit -f) a write is to fail, not to end the process. The tools
-  // that are started later inherit that, and their writes fail likewise.
-  std::signal(SIGXFSZ, SIG_IGN);
-  return S_ISREG(old.st_mode) ? replaceByNew(path, old, text) : writeInPlace(path, text);
-}
-
+// Returns 0 or an error number.
 struct Release {
   void operator()(char* text) const { std::free(text); }
 };
 
 }  // namespace
 
+bool OpenSettings::open(const char* path, int flags) {
+  file = Fd::open(path, flags | O_NOFOLLOW);
+  return file && ::fstat(file.get(), &state) == 0;
+}
+
 void saveXml(const char* path, const xml::XmlRoot* document) {
+  constexpr int kMostLinks = 40;  // in a row, as the kernel has it
+  constexpr int kFlags = O_WRONLY | O_CREAT;
+  std::string target = path;  // the file itself, behind any symbolic link
+  OpenSettings opened;
+  bool isOpen = opened.open(path, kFlags);
+  for (int link = 0; !isOpen && errno == ELOOP && link < kMostLinks; ++link) {
+    target = linkTarget(target);
+    isOpen = opened.open(target.c_str(), kFlags);
+  }
+  if (isOpen) {
+    saveXml(target.c_str(), opened, document);
+  } else {
+    complainOfSave(target, errno);
+  }
+}
+
+void saveXml(const char* path, const OpenSettings& opened, const xml::XmlRoot* document) {
   std::size_t size = 0;
   const std::unique_ptr<char, Release> text(xml::toXml(&document->xml, &size));
-  std::string target = path;
-  if (const int error = replaceFile(target, {text.get(), size})) {
-    complain({"cannot save ", target, ": ", std::strerror(error)});
+  // Beyond a limit of file sizes (ulimit -f) a write is to fail, not to end the process. The tools
+  // that are started later inherit that, and their writes fail likewise.
+  std::signal(SIGXFSZ, SIG_IGN);
+  const bool isFile = S_ISREG(opened.state.st_mode);
+  const std::string_view all(text.get(), size);
+  if (const int error = isFile ? replaceByNew(path, opened.state, all) : writeInPlace(path, all)) {
+    complainOfSave(path, error);
   }
 }
 

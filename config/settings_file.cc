@@ -1,21 +1,36 @@
 #include "config/settings_file.h"
 
 #include <cerrno>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 #include "base/message.h"
 #include "base/number.h"
-#include "config/save_xml.h"
 
 namespace onu {
 
 SettingsFile::SettingsFile(const char* path, Write write)
-    : path_(path), write_(write), document_(xml::parseFile(path)) {
+    : path_(path),
+      write_(write),
+      isOpen_(write != Write::kNever && opened_.open(path, O_RDWR)),
+      document_(isOpen_ ? parse() : xml::parseFile(path)) {
   if (!document_) {
     complain({"cannot read ", path, ": ", std::strerror(errno)});
   } else if (const char* const error = xml::error(document_.node()); *error != '\0') {
     complain({"error in ", path, ": ", error});
   }
+}
+
+// As xml::parseFd does, with the length that is known already.
+xml::XmlRoot* SettingsFile::parse() {
+  const off_t length = opened_.state.st_size;
+  const std::size_t size = length < PTRDIFF_MAX ? static_cast<std::size_t>(length) : 0;
+  auto* const data = static_cast<char*>(std::malloc(size + 1));
+  const std::size_t got = data == nullptr ? 0 : readFully(opened_.file.get(), data, size);
+  xml::XmlRoot* const root = xml::parseStr(data, got);
+  root->len = -1;  // the document releases the data
+  return root;
 }
 
 xml::XmlNode* SettingsFile::find(std::initializer_list<const char*> names) const {
@@ -56,7 +71,7 @@ int SettingsFile::save() const {
     if (*xml::error(document_.node()) != '\0') {
       complain({path_, " is rewritten without what stands behind its error"});
     }
-    saveXml(path_, document_.get());
+    isOpen_ ? saveXml(path_, opened_, document_.get()) : saveXml(path_, document_.get());
   }
   return 0;
 }
@@ -84,7 +99,7 @@ int loadText(const char* path, const char* group, const char* name, std::string&
 }
 
 int storeText(const char* path, const char* group, const char* name, const std::string& value) {
-  SettingsFile file(path);
+  SettingsFile file(path, Write::kIfChanged);
   file.setText(file.find({group, name}), value);
   return file.save();
 }

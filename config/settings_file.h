@@ -5,19 +5,20 @@
 #include <string>
 
 #include "base/field.h"
+#include "config/save_xml.h"
 #include "xml/document.h"
 
 namespace onu {
 
-// Which values a setter stores.
-enum class Write { kAlways, kIfChanged };
+// What a call stores: a getter nothing, a setter every value or those that differ.
+enum class Write { kNever, kAlways, kIfChanged };
 
 // One settings file, parsed for one accessor call. A malformed file gives the part of the tree that
 // stands before the error; one that cannot be opened has no elements at all. Either is named on
-// standard error.
+// standard error. A setter's file stays open: what was read is what is replaced.
 class SettingsFile {
  public:
-  explicit SettingsFile(const char* path, Write write = Write::kIfChanged);
+  explicit SettingsFile(const char* path, Write write = Write::kNever);
 
   // The element reached from the root by these names, the first of each name; null when one is
   // missing. It belongs to this object.
@@ -34,10 +35,13 @@ class SettingsFile {
   int save() const;
 
  private:
+  xml::XmlRoot* parse();
   bool stores(const char* current, const std::string& value);
 
   const char* path_;
   Write write_;
+  OpenSettings opened_;
+  bool isOpen_;
   bool failed_ = false;
   bool changed_ = false;
   xml::Document document_;

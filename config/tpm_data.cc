@@ -106,7 +106,7 @@ int TpmData::setRxQueueSize(const std::string& queue, const std::string& size) c
 }
 
 int TpmData::setFlowControl(const std::string& enabled) const {
-  SettingsFile file(path_);
+  SettingsFile file(path_, Write::kIfChanged);
   xml::XmlNode* const element = file.find({"flow_control", "enabled"});
   if (element == nullptr) {
     return file.find({"flow_control"}) == nullptr ? -1 : 0;
