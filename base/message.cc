@@ -3,6 +3,7 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -11,55 +12,43 @@
 namespace onu {
 namespace {
 
+using Parts = std::initializer_list<std::string_view>;
+
 constexpr std::size_t kMostParts = 8;
 
 int g_command = 0;
 
 // One line in one call, so that those of several processes do not mix.
-class Line {
- public:
-  void add(std::initializer_list<std::string_view> parts) {
-    for (const std::string_view part : parts) {
-      if (count_ < pieces_.size()) {
-        pieces_[count_++] = {const_cast<char*>(part.data()), part.size()};
-      }
+void writeLine(int fd, Parts head, Parts parts) {
+  std::array<iovec, kMostParts + 5> pieces;  // with a head of four and the line end
+  std::size_t count = 0;
+  const auto add = [&](std::string_view part) {
+    if (count < pieces.size()) {
+      pieces[count++] = {const_cast<char*>(part.data()), part.size()};
     }
-  }
-  void writeTo(int fd) {
-    add({"\n"});
-    const BrokenPipeGuard guard;
-    static_cast<void>(!::writev(fd, pieces_.data(), static_cast<int>(count_)));
-  }
-
- private:
-  std::array<iovec, kMostParts + 6> pieces_;  // with program, command and line end
-  std::size_t count_ = 0;
-};
+  };
+  std::for_each(head.begin(), head.end(), add);
+  std::for_each(parts.begin(), parts.end(), add);
+  add("\n");
+  const BrokenPipeGuard guard;
+  static_cast<void>(!::writev(fd, pieces.data(), static_cast<int>(count)));
+}
 
 }  // namespace
 
-void printLine(std::initializer_list<std::string_view> parts) {
-  Line line;
-  line.add(parts);
-  line.writeTo(STDOUT_FILENO);
-}
+void printLine(Parts parts) { writeLine(STDOUT_FILENO, {}, parts); }
 
-void printErrorLine(std::initializer_list<std::string_view> parts) {
-  Line line;
-  line.add(parts);
-  line.writeTo(STDERR_FILENO);
-}
+void printErrorLine(Parts parts) { writeLine(STDERR_FILENO, {}, parts); }
 
-void complain(std::initializer_list<std::string_view> parts) {
-  Line line;
-  line.add({program_invocation_short_name, ": "});
-  std::array<char, 12> digits;
-  if (g_command != 0) {
-    const char* const end = std::to_chars(digits.begin(), digits.end(), g_command).ptr;
-    line.add({"command ", {digits.data(), static_cast<std::size_t>(end - digits.data())}, ": "});
+void complain(Parts parts) {
+  const std::string_view program = program_invocation_short_name;
+  if (g_command == 0) {
+    return writeLine(STDERR_FILENO, {program, ": "}, parts);
   }
-  line.add(parts);
-  line.writeTo(STDERR_FILENO);
+  std::array<char, 12> digits;
+  const char* const end = std::to_chars(digits.begin(), digits.end(), g_command).ptr;
+  const std::string_view number(digits.data(), static_cast<std::size_t>(end - digits.data()));
+  writeLine(STDERR_FILENO, {program, ": command ", number, ": "}, parts);
 }
 
 void setCommandOfComplaints(int number) { g_command = number; }

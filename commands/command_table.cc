@@ -9,10 +9,8 @@
 #include "commands/optical_readings.h"
 #include "commands/pon_authentication.h"
 #include "commands/pon_counters.h"
-#include "commands/port_settings.h"
-#include "commands/port_status.h"
 #include "commands/traffic_shaping.h"
-#include "commands/unit_information.h"
+#include "commands/unit_status.h"
 #include "commands/vlan.h"
 
 namespace onu {
@@ -56,16 +54,6 @@ constexpr std::array kRows = {
     Command{28, sendQueueSizes, storeQueueSize},
     Command{30, sendStormLimit, storeStormLimit},
 };
-
-constexpr bool ascending() {
-  for (std::size_t i = 1; i < kRows.size(); ++i) {
-    if (kRows[i - 1].number >= kRows[i].number) {
-      return false;
-    }
-  }
-  return true;
-}
-static_assert(ascending(), "commands are looked up by binary search");
 
 }  // namespace
 

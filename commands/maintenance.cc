@@ -7,8 +7,6 @@
 #include "base/fd.h"
 #include "base/message.h"
 #include "base/number.h"
-#include "base/text.h"
-#include "config/paths.h"
 #include "device/shell.h"
 #include "frontend/upload.h"
 
@@ -16,12 +14,9 @@ namespace onu {
 namespace {
 
 constexpr const char* kReboot = "/sbin/reboot";
-constexpr auto kTakeArchive = join("mv ", kUploadPath, " /tmp/xml_in.tar");
-constexpr auto kTakeMainSettings =
-    join("cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  ", kMainSettingsPath);
-constexpr auto kRestoreMainSettings =
-    join("/bin/cp -f ", kFactorySettingsPath, "  ", kMainSettingsPath);
-constexpr auto kTakeFiles = join("mv ", kUploadPath, "  /tmp/jffs2_fs.tar.gz");
+constexpr const char* kTakeMainSettings =
+    "cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/tevo_xml_cfg_file.xml";
+
 void run(std::initializer_list<const char*> commands) {
   for (const char* const command : commands) {
     runShell({command});
@@ -81,8 +76,9 @@ void flash(const Image& image) {
 // The archive holds files of the writable file system. The script unpacks it and decides what comes
 // then.
 void upgradeFiles() {
-  run({"rm -rf /tmp/jffs2_fs.tar.gz", "rm -r /tmp/jffs2_fs.tar.gz", kTakeFiles.data(),
-       "cp /tmp/jffs2_fs.tar.gz  /var/", "/var/tevo/upgrade.sh"});
+  run({"rm -rf /tmp/jffs2_fs.tar.gz", "rm -r /tmp/jffs2_fs.tar.gz",
+       "mv /tmp/recFile  /tmp/jffs2_fs.tar.gz", "cp /tmp/jffs2_fs.tar.gz  /var/",
+       "/var/tevo/upgrade.sh"});
 }
 
 }  // namespace
@@ -94,7 +90,7 @@ void exportConfiguration(WebRequest& request) {
 void importConfiguration(WebRequest& request) {
   replyAfterWork(
       request.reply,
-      {kTakeArchive.data(), "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings.data(),
+      {"mv /tmp/recFile /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings,
        "cp -rf /tmp/xml_config/*.*  /etc/xml_params/",
        // The main settings have their place with the pages; no second copy is to stay behind.
        "rm -rf /etc/xml_params/tevo*.*", "rm -rf /tmp/xml_config", "rm -f /tmp/xml_in.tar"});
@@ -108,7 +104,10 @@ void rebootUnit(WebRequest& request) {
 void restoreDefaults(WebRequest& request) {
   replyBeforeWork(request.reply);
   run({"/bin/cp -f /var/tevo/xml_default/*.*  /etc/xml_params/",
-       "rm -f /var/xml_params/tevo_xml_cfg_file.xml", kRestoreMainSettings.data(), kReboot});
+       "rm -f /var/xml_params/tevo_xml_cfg_file.xml",
+       "/bin/cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  "
+       "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml",
+       kReboot});
 }
 
 void upgradeFirmware(WebRequest& request) {

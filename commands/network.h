@@ -1,4 +1,5 @@
-// Commands 6 and 16: address of the management interface, largest packets; stored only.
+// Commands 6, 16, 23 and 25: address of the management interface and largest packets, which are
+// stored only; Ethernet ports and the ageing of MAC addresses, stored and applied with clish.
 #pragma once
 
 #include "frontend/web_request.h"
@@ -10,5 +11,11 @@ void storeIpAddress(WebRequest& request);
 
 void sendMtu(WebRequest& request);
 void storeMtu(WebRequest& request);
+
+void sendPorts(WebRequest& request);
+void storePort(WebRequest& request);
+
+void sendMacAging(WebRequest& request);
+void storeMacAging(WebRequest& request);
 
 }  // namespace onu

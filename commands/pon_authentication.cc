@@ -13,11 +13,9 @@ namespace {
 constexpr const char* kCliMode = "eoam";
 
 // The serial number as the unit registers with it: as stored, or its first four letters, which name
-// the vendor, and part of the MAC address.
+// the vendor, and the last four octets of the MAC address, of which `mac` has the digits.
 std::string serialNumber(const PonSerial& serial, const std::string& mac) {
-  constexpr std::size_t kVendorSize = 4;
-  return serial.source == "1" ? serial.number.substr(0, kVendorSize) + lastFourOctets(mac)
-                              : serial.number;
+  return serial.source == "1" ? serial.number.substr(0, 4) + mac.substr(4) : serial.number;
 }
 
 // -1 at the first failure that counts.
@@ -55,23 +53,23 @@ int store(const ParsedQuery& query) {
 void sendAuthentication(WebRequest& request) {
   UnitIdentity identity;
   ConfigData::getInstance().getIdentity(identity);
-  const std::string& mac = identity.ip.onu_mac;
   const LoidInfo& loid = identity.loid;
   OmciLoid omci;
   OmciData::getInstance().getOmciLoid(omci);
   PonSerial serial;
   PonSerialData::getInstance().getPonSerial(serial);
+  const std::string digits = withoutSeparators(identity.ip.onu_mac);
 
   request.reply.sendObject({{"ctc_switch", "1"},
-                            {"cur_mac", mac},
+                            {"cur_mac", identity.ip.onu_mac},
                             {"fec_mode", identity.fec.fec_mode},
                             {"gpon_loid", omci.loid},
                             {"gpon_password", omci.password},
                             {"loid", loid.loid},
                             {"password", loid.password},
                             {"ponPassword", serial.password},
-                            {"ponSerialNum", serialNumber(serial, mac)},
-                            {"sn", withoutSeparators(mac)}});
+                            {"ponSerialNum", serialNumber(serial, digits)},
+                            {"sn", digits}});
 }
 
 void storeAuthentication(WebRequest& request) { request.reply.sendStatus(store(request.query)); }

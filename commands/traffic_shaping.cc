@@ -55,37 +55,31 @@ const QueueValue& chosenSizes(const WebRequest& request) {
   return getParam(request.query, "voq_dir") == "0" ? kReceiveSizes : kTransmitSizes;
 }
 
-// What a rate holds for: the words in front of it and the traffic manager's file that takes them.
-struct RateTarget {
-  const char* words;
-  const char* file;
-};
-constexpr RateTarget kQueue1 = {"UNI_ANY 1 ", "rate_limit_queue_set"};
-constexpr RateTarget kQueue7 = {"UNI_ANY 7 ", "rate_limit_queue_set"};
-constexpr RateTarget kInterface = {"UNI_ANY ", "rate_limit_if_set"};
-constexpr RateTarget kInterfaceLimited = {"UNI_ANY  ", "rate_limit_if_set"};  // two blanks
+// What a rate holds for: the end of the traffic manager's file that takes it.
+constexpr const char* kQueue = "queue_set";
+constexpr const char* kInterface = "if_set";
 
-// The highest rate that the traffic manager takes, which limits nothing.
-constexpr const char* kNoLimit = "1048568";
-
-void limitRate(const RateTarget& target, const std::string& rate) {
+// `target` stands in front of the rate.
+void limitRate(const char* file, const char* target, std::string_view rate) {
   for (const char* const direction : {"us", "ds"}) {
-    runShell({"echo 0 ", direction, " ", target.words, rate,
-              " 1536 > /sys/devices/platform/tpm/cfg_traffic/", target.file});
+    runShell({"echo 0 ", direction, " UNI_ANY ", target, rate,
+              " 1536 > /sys/devices/platform/tpm/cfg_traffic/rate_limit_", file});
   }
 }
 
 void applyStormLimit(const std::string& mode, const std::string& rate) {
   if (mode == "0") {
-    limitRate(kQueue1, rate);
+    limitRate(kQueue, "1 ", rate);
   } else if (mode == "1") {
-    limitRate(kQueue7, rate);
+    limitRate(kQueue, "7 ", rate);
   } else if (mode == "2") {
-    limitRate(kInterfaceLimited, rate);
+    limitRate(kInterface, " ", rate);  // two blanks
   } else if (mode == "3") {
-    limitRate(kQueue1, kNoLimit);
-    limitRate(kQueue7, kNoLimit);
-    limitRate(kInterface, kNoLimit);
+    // The highest rate that the traffic manager takes, which limits nothing.
+    constexpr std::string_view kNoLimit = "1048568";
+    limitRate(kQueue, "1 ", kNoLimit);
+    limitRate(kQueue, "7 ", kNoLimit);
+    limitRate(kInterface, "", kNoLimit);
   }
 }
 

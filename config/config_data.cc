@@ -29,14 +29,6 @@ constexpr Field<PhyPortInfo> kPhyAttributes[] = {
     {"mode_max", &PhyPortInfo::mode_max},
 };
 
-int readCommInfo(const SettingsFile& file, CommInfo& info) {
-  return copyTexts(file.find({"commInfo"}), kCommTexts, info);
-}
-
-int readIpInfo(const SettingsFile& file, IpInfo& info) {
-  return copyTexts(file.find({"ipInfo"}), kIpTexts, info);
-}
-
 int readFec(const SettingsFile& file, FecInfo& info) {
   const xml::XmlNode* const mode = file.find({"onu", "fec_mode"});
   const xml::XmlNode* const ability = file.find({"onu", "fec_ability"});
@@ -78,23 +70,29 @@ int readPhyPorts(const SettingsFile& file, std::vector<PhyPortInfo>& ports) {
   return first == nullptr ? -1 : 0;
 }
 
+// The last step of a setter of ipInfo, which says when the group lacks an element.
+int saveIpInfo(const SettingsFile& file, std::string_view failure) {
+  const int result = file.save();
+  if (result != 0 && file.find({"ipInfo"}) != nullptr) {
+    printLine({failure});
+  }
+  return result;
+}
+
 }  // namespace
 
-ConfigData& ConfigData::getInstance() {
-  static ConfigData instance;
-  return instance;
-}
-
 int ConfigData::getCommInfo(CommInfo& info) const {
-  return readCommInfo(SettingsFile(path_), info);
+  return copyTexts(SettingsFile(path_).find({"commInfo"}), kCommTexts, info);
 }
 
-int ConfigData::getIpInfo(IpInfo& info) const { return readIpInfo(SettingsFile(path_), info); }
+int ConfigData::getIpInfo(IpInfo& info) const {
+  return copyTexts(SettingsFile(path_).find({"ipInfo"}), kIpTexts, info);
+}
 
 void ConfigData::getIdentity(UnitIdentity& identity) const {
   const SettingsFile file(path_);
-  readCommInfo(file, identity.comm);
-  readIpInfo(file, identity.ip);
+  copyTexts(file.find({"commInfo"}), kCommTexts, identity.comm);
+  copyTexts(file.find({"ipInfo"}), kIpTexts, identity.ip);
   readFec(file, identity.fec);
   readLoid(file, identity.loid);
 }
@@ -104,38 +102,20 @@ int ConfigData::setIpInfo(const IpInfo& info) const {
   if (info.ipAddress.size() < kShortest || info.netMask.size() < kShortest) {
     return -1;
   }
-  const EditedSettings file(path_);
-  xml::XmlNode* const group = file.find({"ipInfo"});
-  if (group == nullptr) {
-    return -1;
-  }
-  const Edit address = editText(xml::child(group, "ipAddress"), info.ipAddress, Write::kIfChanged);
-  const Edit mask = editText(xml::child(group, "netMask"), info.netMask, Write::kIfChanged);
-  if (address == Edit::kFailed || mask == Edit::kFailed) {
-    printLine({"set ip address type  error"});
-    return -1;
-  }
-  return file.finish(address == Edit::kDone ? address : mask);
+  SettingsFile file(path_, Write::kIfChanged);
+  file.setText(file.find({"ipInfo", "ipAddress"}), info.ipAddress);
+  file.setText(file.find({"ipInfo", "netMask"}), info.netMask);
+  return saveIpInfo(file, "set ip address type  error");
 }
 
 int ConfigData::setMac(const std::string& mac) const {
-  const EditedSettings file(path_);
-  xml::XmlNode* const group = file.find({"ipInfo"});
-  if (group == nullptr) {
-    return -1;
-  }
-  const Edit edit = editText(xml::child(group, "onu_mac"), mac, Write::kAlways);
-  if (edit == Edit::kFailed) {
-    printLine({"set mac address   fail"});
-  }
-  return file.finish(edit);
+  SettingsFile file(path_, Write::kAlways);
+  file.setText(file.find({"ipInfo", "onu_mac"}), mac);
+  return saveIpInfo(file, "set mac address   fail");
 }
 
 int ConfigData::getAccountPassword(const std::string& account, std::string& password) const {
-  const SettingsFile file(path_);
-  const xml::XmlNode* const group = file.find({"account"});
-  copyText(xml::child(group, account.c_str()), password);
-  return group == nullptr ? -1 : 0;
+  return loadText(path_, "account", account.c_str(), password);
 }
 
 int ConfigData::getAdminPassword(std::string& password) const {
@@ -147,11 +127,11 @@ int ConfigData::getUserPassword(std::string& password) const {
 }
 
 int ConfigData::setAdminPassword(const std::string& password) const {
-  return storeText(path_, {"account", "admin"}, password);
+  return storeText(path_, "account", "admin", password);
 }
 
 int ConfigData::setUserPassword(const std::string& password) const {
-  return storeText(path_, {"account", "user"}, password);
+  return storeText(path_, "account", "user", password);
 }
 
 int ConfigData::getVlanPorts(std::vector<VlanPortInfo>& ports) const {
@@ -159,42 +139,40 @@ int ConfigData::getVlanPorts(std::vector<VlanPortInfo>& ports) const {
 }
 
 int ConfigData::setVlanPort(const VlanPortInfo& info) const {
-  const EditedSettings file(path_);
+  SettingsFile file(path_, Write::kAlways);
   xml::XmlNode* const first = file.find({"vlan", "port"});
-  if (first == nullptr) {
-    return -1;
-  }
   xml::XmlNode* const port = findNamed(first, info.port);
   if (port == nullptr) {
-    return 0;
+    return first == nullptr ? -1 : 0;
   }
   for (const auto& [name, member] : kVlanAttributes) {
     if (member != &VlanPortInfo::default_vid || !info.default_vid.empty()) {
-      editAttribute(port, name.data(), info.*member, Write::kAlways);
+      file.setAttribute(port, name.data(), info.*member);
     }
   }
-  return file.finish(Edit::kDone);
+  return file.save();
 }
 
 int ConfigData::getFec(FecInfo& info) const { return readFec(SettingsFile(path_), info); }
 
 int ConfigData::setFecMode(const std::string& mode) const {
-  return storeText(path_, {"onu", "fec_mode"}, mode);
+  return storeText(path_, "onu", "fec_mode", mode);
 }
 
 int ConfigData::getSn(std::string& sn) const {
   return copyText(SettingsFile(path_).find({"onu", "sn"}), sn);
 }
 
-int ConfigData::setSn(const std::string& sn) const { return storeText(path_, {"onu", "sn"}, sn); }
+int ConfigData::setSn(const std::string& sn) const { return storeText(path_, "onu", "sn", sn); }
 
 int ConfigData::getLoid(LoidInfo& info) const { return readLoid(SettingsFile(path_), info); }
 
 int ConfigData::setLoid(const LoidInfo& info) const {
-  const EditedSettings file(path_);
+  SettingsFile file(path_, Write::kAlways);
   xml::XmlNode* const loid = file.find({"onu", "loid"});
-  editText(loid, info.loid, Write::kAlways);
-  return file.finish(editAttribute(loid, "password", info.password, Write::kAlways));
+  file.setText(loid, info.loid);
+  file.setAttribute(loid, "password", info.password);
+  return file.save();
 }
 
 int ConfigData::getPhyPorts(std::vector<PhyPortInfo>& ports) const {
@@ -208,15 +186,14 @@ void ConfigData::getPorts(std::vector<VlanPortInfo>& vlan, std::vector<PhyPortIn
 }
 
 int ConfigData::setPhyPort(const PhyPortInfo& info) const {
-  const EditedSettings file(path_);
+  SettingsFile file(path_, Write::kAlways);
   xml::XmlNode* const port = findNamed(file.find({"switch", "port"}), info.port);
-  Edit edit = Edit::kFailed;
   for (const auto& [name, member] : kPhyAttributes) {
     if (member != &PhyPortInfo::mode_max) {
-      edit = editAttribute(port, name.data(), info.*member, Write::kAlways);
+      file.setAttribute(port, name.data(), info.*member);
     }
   }
-  return file.finish(edit);
+  return file.save();
 }
 
 int ConfigData::getMacAgingTime(const std::string& port, std::string& time) const {
@@ -229,9 +206,9 @@ int ConfigData::getMacAgingTime(const std::string& port, std::string& time) cons
 }
 
 int ConfigData::setMacAgingTime(const std::string& port, const std::string& time) const {
-  const EditedSettings file(path_);
-  return file.finish(editAttribute(findNamed(file.find({"mac_aging_time", "eth_port"}), port),
-                                   "time", time, Write::kIfChanged));
+  SettingsFile file(path_, Write::kIfChanged);
+  file.setAttribute(findNamed(file.find({"mac_aging_time", "eth_port"}), port), "time", time);
+  return file.save();
 }
 
 int ConfigData::getStorm(std::string& mode, std::string& threshold) const {
@@ -243,13 +220,13 @@ int ConfigData::getStorm(std::string& mode, std::string& threshold) const {
 }
 
 int ConfigData::setStorm(const std::string& mode, const std::string& threshold) const {
-  const EditedSettings file(path_);
+  SettingsFile file(path_, Write::kAlways);
   xml::XmlNode* const port = file.find({"storm", "port"});
-  const Edit edit = editAttribute(port, "mode", mode, Write::kAlways);
+  file.setAttribute(port, "mode", mode);
   if (!threshold.empty()) {
-    editAttribute(port, "bs_thresh", threshold, Write::kAlways);
+    file.setAttribute(port, "bs_thresh", threshold);
   }
-  return file.finish(edit);
+  return file.save();
 }
 
 }  // namespace onu

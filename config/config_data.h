@@ -59,11 +59,8 @@ struct PhyPortInfo {
 // setter writes it back as a whole. All return 0, or -1 when the file cannot be opened or the
 // group of the value is missing; a single value that a getter does not find leaves its field as it
 // is. Writing is not checked.
-class ConfigData {
+class ConfigData : public Accessor<ConfigData, kMainSettingsPath> {
  public:
-  // Created on first use, never destroyed.
-  static ConfigData& getInstance();
-
   int getCommInfo(CommInfo& info) const;
 
   int getIpInfo(IpInfo& info) const;
@@ -121,11 +118,6 @@ class ConfigData {
   int getStorm(std::string& mode, std::string& threshold) const;
   // An empty threshold leaves the stored one.
   int setStorm(const std::string& mode, const std::string& threshold) const;
-
- private:
-  ConfigData() = default;
-
-  const char* path_ = kMainSettingsPath;
 };
 
 }  // namespace onu

@@ -12,21 +12,18 @@ constexpr Field<OmciLoid> kLoidAttributes[] = {
 
 }  // namespace
 
-OmciData& OmciData::getInstance() {
-  static OmciData instance;
-  return instance;
-}
-
 int OmciData::getOmciLoid(OmciLoid& info) const {
   const SettingsFile file(path_);
   return copyAttributes(file.find({"OMCI_MIB", "ctcLOIDAuth"}), kLoidAttributes, info);
 }
 
 int OmciData::setOmciLoid(const OmciLoid& info) const {
-  const EditedSettings file(path_);
+  SettingsFile file(path_, Write::kAlways);
   xml::XmlNode* const auth = file.find({"OMCI_MIB", "ctcLOIDAuth"});
-  editAttribute(auth, "loid", info.loid, Write::kAlways);
-  return file.finish(editAttribute(auth, "password", info.password, Write::kAlways));
+  for (const auto& [name, member] : kLoidAttributes) {
+    file.setAttribute(auth, name.data(), info.*member);
+  }
+  return file.save();
 }
 
 int OmciData::getPortIsolation(std::string& enabled) const {
@@ -37,12 +34,13 @@ int OmciData::getPortIsolation(std::string& enabled) const {
 }
 
 int OmciData::setPortIsolation(const std::string& enabled) const {
-  const EditedSettings file(path_);
+  SettingsFile file(path_, Write::kIfChanged);
   xml::XmlNode* const isolation = file.find({"OMCI_MIB", "ethPortIsolated"});
   if (xml::attr(isolation, "enabled") == nullptr) {
     return -1;
   }
-  return file.finish(editAttribute(isolation, "enabled", enabled, Write::kIfChanged));
+  file.setAttribute(isolation, "enabled", enabled);
+  return file.save();
 }
 
 }  // namespace onu

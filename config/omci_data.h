@@ -14,11 +14,8 @@ struct OmciLoid {
 // The OMCI settings file. Every call reads it anew and a setter writes it back as a whole. All
 // return 0, or -1 when the file cannot be opened or the element of the value is missing. Writing is
 // not checked.
-class OmciData {
+class OmciData : public Accessor<OmciData, kOmciSettingsPath> {
  public:
-  // Created on first use, never destroyed.
-  static OmciData& getInstance();
-
   // The identity that the line terminal authenticates. A missing attribute leaves its field as it
   // is.
   int getOmciLoid(OmciLoid& info) const;
@@ -30,11 +27,6 @@ class OmciData {
   int getPortIsolation(std::string& enabled) const;
   // Writes only when the value has changed. -1 also when the element does not say what it was.
   int setPortIsolation(const std::string& enabled) const;
-
- private:
-  OmciData() = default;
-
-  const char* path_ = kOmciSettingsPath;
 };
 
 }  // namespace onu

@@ -11,4 +11,21 @@ inline constexpr char kTpmSettingsPath[] = "/etc/xml_params/tpm_xml_cfg_file.xml
 inline constexpr char kOmciSettingsPath[] = "/etc/xml_params/omci_xml_cfg_file.xml";
 inline constexpr char kGponSettingsPath[] = "/etc/xml_params/gpon_xml_cfg_file.xml";
 
+// What the accessor of a settings file is made of: one instance, which holds the file's path.
+template <typename Data, const char* path>
+class Accessor {
+ public:
+  // Created on first use, never destroyed.
+  static Data& getInstance() {
+    // NOLINTNEXTLINE(bugprone-dynamic-static-initializers): holds a constant
+    static Data instance;
+    return instance;
+  }
+
+ protected:
+  Accessor() = default;
+
+  const char* path_ = path;
+};
+
 }  // namespace onu

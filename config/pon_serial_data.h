@@ -15,11 +15,8 @@ struct PonSerial {
 // The GPON serial settings file: with what the unit registers at the line terminal. Every call
 // reads it anew and a setter writes it back as a whole, only when its value has changed; writing is
 // not checked.
-class PonSerialData {
+class PonSerialData : public Accessor<PonSerialData, kGponSettingsPath> {
  public:
-  // Created on first use, never destroyed.
-  static PonSerialData& getInstance();
-
   // 0, or -1 when the file cannot be opened or has no PON group. 0 with `value` untouched when the
   // group lacks the element.
   int getPonSerialNum(std::string& value) const;
@@ -32,13 +29,6 @@ class PonSerialData {
   int setPonSerialNum(const std::string& value) const;
   int setPonPassword(const std::string& value) const;
   int setPonSerialSrc(const std::string& value) const;
-
- private:
-  PonSerialData() = default;
-  int get(const char* name, std::string& value) const;
-  int set(const char* name, const std::string& value) const;
-
-  const char* path_ = kGponSettingsPath;
 };
 
 }  // namespace onu

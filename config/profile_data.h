@@ -37,11 +37,8 @@ struct CapabilityInfo {
   std::string onuType;  // name, or the number of a type without one
 };
 
-struct OnuProfile {
-  VendorInfo vendor;
-  ChipInfo chip;
+struct OnuProfile : VendorInfo, ChipInfo, CapabilityInfo {
   std::string firmwareVersion;
-  CapabilityInfo capability;
 };
 
 struct PortFeatures {
@@ -54,11 +51,8 @@ struct PortFeatures {
 // settings file. Values are texts. Every call reads its file anew. All return 0, or -1 when the
 // file cannot be opened or the group or element of the value is missing. Setters write, unchecked,
 // and only when the value has changed.
-class ProfileData {
+class ProfileData : public Accessor<ProfileData, kEoamSettingsPath> {
  public:
-  // Created on first use, never destroyed.
-  static ProfileData& getInstance();
-
   // The profile's groups are chains of name and value pairs. An entry that lacks its name or its
   // value ends the chain; a name that does not occur leaves its field as it is.
   int getVendorInfo(VendorInfo& info) const;
@@ -82,11 +76,6 @@ class ProfileData {
 
   // What getMulticastSwitch, getMulticastGroupNum and getLoopDetect fill, from one reading.
   void getPortFeatures(const std::string& port, PortFeatures& features) const;
-
- private:
-  ProfileData() = default;
-
-  const char* eoamPath_ = kEoamSettingsPath;
 };
 
 }  // namespace onu

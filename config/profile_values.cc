@@ -14,30 +14,22 @@ constexpr std::string_view kOnuTypes[] = {
     "SFU", "HGU", "SBU", "CBU", "MDU", "MTU", "1FE+1POTS SFU", "Mixed HGU",
 };
 
-// -1 for a character that is no hexadecimal digit.
-int hexDigit(char c) {
-  if (c >= '0' && c <= '9') {
-    return c - '0';
-  }
-  if (c >= 'a' && c <= 'f') {
-    return c - 'a' + 10;
-  }
-  return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
-
-int hexPair(std::string_view value, std::size_t at) {
-  int number = 0;
-  for (std::size_t i = at; i < at + 2 && i < value.size(); ++i) {
-    const int digit = hexDigit(value[i]);
-    if (digit < 0) {
+std::size_t hexPair(std::string_view value, std::size_t at) {
+  constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
+  std::size_t number = 0;
+  for (const char c : value.substr(std::min(at, value.size()), 2)) {
+    const std::size_t digit = kDigits.find(c);
+    if (digit == std::string_view::npos) {
       break;
     }
-    number = number * 16 + digit;
+    number = number * 16 + (digit < 16 ? digit : digit - 6);
   }
   return number;
 }
 
-std::string twoDigits(int number) { return (number < 10 ? "0" : "") + std::to_string(number); }
+std::string twoDigits(std::size_t number) {
+  return (number < 10 ? "0" : "") + std::to_string(number);
+}
 
 }  // namespace
 

@@ -6,32 +6,31 @@
 #include <cstring>
 
 #include "base/message.h"
-#include "config/save_xml.h"
+#include "base/number.h"
 
 namespace onu {
-namespace {
 
-// As xml::parseFile does, with the length that is known already.
-xml::XmlRoot* parse(const ReplaceableFile& file) {
-  const std::size_t size = file.size() < PTRDIFF_MAX ? static_cast<std::size_t>(file.size()) : 0;
-  auto* const data = static_cast<char*>(std::malloc(size + 1));
-  const std::size_t got = data == nullptr ? 0 : readFully(file.fd(), data, size);
-  xml::XmlRoot* const root = xml::parseStr(data, got);
-  root->len = -1;  // the document releases the data
-  return root;
-}
-
-}  // namespace
-
-SettingsFile::SettingsFile(const char* path) : SettingsFile(path, xml::parseFile(path)) {}
-
-SettingsFile::SettingsFile(const char* path, xml::XmlRoot* document)
-    : path_(path), document_(document) {
+SettingsFile::SettingsFile(const char* path, Write write)
+    : path_(path),
+      write_(write),
+      isOpen_(write != Write::kNever && opened_.open(path, O_RDWR)),
+      document_(isOpen_ ? parse() : xml::parseFile(path)) {
   if (!document_) {
     complain({"cannot read ", path, ": ", std::strerror(errno)});
   } else if (const char* const error = xml::error(document_.node()); *error != '\0') {
     complain({"error in ", path, ": ", error});
   }
+}
+
+// As xml::parseFd does, with the length that is known already.
+xml::XmlRoot* SettingsFile::parse() {
+  const off_t length = opened_.state.st_size;
+  const std::size_t size = length < PTRDIFF_MAX ? static_cast<std::size_t>(length) : 0;
+  auto* const data = static_cast<char*>(std::malloc(size + 1));
+  const std::size_t got = data == nullptr ? 0 : readFully(opened_.file.get(), data, size);
+  xml::XmlRoot* const root = xml::parseStr(data, got);
+  root->len = -1;  // the document releases the data
+  return root;
 }
 
 xml::XmlNode* SettingsFile::find(std::initializer_list<const char*> names) const {
@@ -42,64 +41,67 @@ xml::XmlNode* SettingsFile::find(std::initializer_list<const char*> names) const
   return node;
 }
 
-EditedSettings::EditedSettings(const char* path)
-    : ReplaceableFile(path, O_RDWR),
-      SettingsFile(path, isOpen() ? parse(*this) : xml::parseFile(path)) {}
+bool SettingsFile::stores(const char* current, const std::string& value) {
+  const bool stored = write_ == Write::kAlways || current == nullptr || value != current;
+  changed_ = changed_ || stored;
+  return stored;
+}
 
-int EditedSettings::finish(Edit edit) const {
-  if (edit == Edit::kDone) {
+void SettingsFile::setText(xml::XmlNode* node, const std::string& value) {
+  if (node == nullptr) {
+    failed_ = true;
+  } else if (stores(node->txt, value)) {
+    xml::setText(node, value.c_str());
+  }
+}
+
+void SettingsFile::setAttribute(xml::XmlNode* node, const char* name, const std::string& value) {
+  if (node == nullptr) {
+    failed_ = true;
+  } else if (stores(xml::attr(node, name), value)) {
+    xml::setAttr(node, name, value.c_str());
+  }
+}
+
+int SettingsFile::save() const {
+  if (failed_) {
+    return -1;
+  }
+  if (changed_ || write_ == Write::kAlways) {
     if (*xml::error(document_.node()) != '\0') {
       complain({path_, " is rewritten without what stands behind its error"});
     }
-    saveXml(*this, document_.get());
+    isOpen_ ? saveXml(path_, opened_, document_.get()) : saveXml(path_, document_.get());
   }
-  return edit == Edit::kFailed ? -1 : 0;
+  return 0;
 }
 
 int copyText(const xml::XmlNode* node, std::string& value) {
-  if (node == nullptr) {
-    return -1;
+  if (node != nullptr) {
+    value = node->txt;
   }
-  value = node->txt;
-  return 0;
+  return node == nullptr ? -1 : 0;
 }
 
 int copyAttribute(const xml::XmlNode* node, const char* name, std::string& value) {
   const char* const text = xml::attr(node, name);
-  if (text == nullptr) {
-    return -1;
+  if (text != nullptr) {
+    value = text;
   }
-  value = text;
-  return 0;
+  return text == nullptr ? -1 : 0;
 }
 
-Edit editText(xml::XmlNode* node, const std::string& value, Write write) {
-  if (node == nullptr) {
-    return Edit::kFailed;
-  }
-  if (write == Write::kIfChanged && value == node->txt) {
-    return Edit::kSame;
-  }
-  xml::setText(node, value.c_str());
-  return Edit::kDone;
+int loadText(const char* path, const char* group, const char* name, std::string& value) {
+  const SettingsFile file(path);
+  const xml::XmlNode* const parent = file.find({group});
+  copyText(xml::child(parent, name), value);
+  return parent == nullptr ? -1 : 0;
 }
 
-Edit editAttribute(xml::XmlNode* node, const char* name, const std::string& value, Write write) {
-  if (node == nullptr) {
-    return Edit::kFailed;
-  }
-  const char* const current = write == Write::kIfChanged ? xml::attr(node, name) : nullptr;
-  if (current != nullptr && value == current) {
-    return Edit::kSame;
-  }
-  xml::setAttr(node, name, value.c_str());
-  return Edit::kDone;
-}
-
-int storeText(const char* path, std::initializer_list<const char*> names,
-              const std::string& value) {
-  const EditedSettings file(path);
-  return file.finish(editText(file.find(names), value, Write::kIfChanged));
+int storeText(const char* path, const char* group, const char* name, const std::string& value) {
+  SettingsFile file(path, Write::kIfChanged);
+  file.setText(file.find({group, name}), value);
+  return file.save();
 }
 
 xml::XmlNode* findNamed(xml::XmlNode* first, const std::string& name) {
@@ -108,6 +110,11 @@ xml::XmlNode* findNamed(xml::XmlNode* first, const std::string& name) {
     node = node->next;
   }
   return node;
+}
+
+xml::XmlNode* findNumbered(xml::XmlNode* first, const std::string& number) {
+  const std::int32_t n = toNumber(number);
+  return n < 0 ? nullptr : xml::idx(first, n);
 }
 
 }  // namespace onu

@@ -5,48 +5,46 @@
 #include <string>
 
 #include "base/field.h"
-#include "config/replace_file.h"
+#include "config/save_xml.h"
 #include "xml/document.h"
 
 namespace onu {
 
-// What an edit of a settings tree came to.
-enum class Edit {
-  kFailed,  // the element is missing
-  kSame,    // the value was there already
-  kDone,
-};
-
-enum class Write { kAlways, kIfChanged };
+// What a call stores: a getter nothing, a setter every value or those that differ.
+enum class Write { kNever, kAlways, kIfChanged };
 
 // One settings file, parsed for one accessor call. A malformed file gives the part of the tree that
 // stands before the error; one that cannot be opened has no elements at all. Either is named on
-// standard error.
+// standard error. A setter's file stays open: what was read is what is replaced.
 class SettingsFile {
  public:
-  explicit SettingsFile(const char* path);
+  explicit SettingsFile(const char* path, Write write = Write::kNever);
 
   // The element reached from the root by these names, the first of each name; null when one is
   // missing. It belongs to this object.
   xml::XmlNode* find(std::initializer_list<const char*> names) const;
 
- protected:
-  // Takes over what was parsed of `path`, null when it could not be opened, as errno says.
-  SettingsFile(const char* path, xml::XmlRoot* document);
+  // Set the element's text or attribute, with kIfChanged only when it differs; an attribute is
+  // added where it is missing. The tree points at `value`, which must live until save(). Without an
+  // element the setter has failed.
+  void setText(xml::XmlNode* node, const std::string& value);
+  void setAttribute(xml::XmlNode* node, const char* name, const std::string& value);
+
+  // The last step of a setter, and its result: -1, with nothing written, when it has failed, else
+  // 0. Writes the file back as a whole, with kIfChanged only when something has been set.
+  int save() const;
+
+ private:
+  xml::XmlRoot* parse();
+  bool stores(const char* current, const std::string& value);
 
   const char* path_;
+  Write write_;
+  OpenSettings opened_;
+  bool isOpen_;
+  bool failed_ = false;
+  bool changed_ = false;
   xml::Document document_;
-};
-
-// The same for a setter, whose last step is finish(). The file that was read is the one that is
-// replaced, so it is open until then.
-class EditedSettings : private ReplaceableFile, public SettingsFile {
- public:
-  explicit EditedSettings(const char* path);
-
-  // Writes the file back when `edit` has changed the tree. Returns the setter's result, -1 for a
-  // failed edit and else 0. The texts of the edits must still be alive.
-  int finish(Edit edit) const;
 };
 
 // Copies the element's text into `value`. -1, with `value` untouched, without an element, else 0.
@@ -72,18 +70,17 @@ int copyAttributes(const xml::XmlNode* node, const Field<Record> (&fields)[count
   return node == nullptr ? -1 : 0;
 }
 
-// Sets the element's text, with kIfChanged only when it differs. The tree points at `value`.
-Edit editText(xml::XmlNode* node, const std::string& value, Write write);
-
-// The same for an attribute, which is added where it is missing.
-Edit editAttribute(xml::XmlNode* node, const char* name, const std::string& value, Write write);
-
-// A setter of one text: writes the file back when the element's text differs. Returns 0, or -1
-// without the file or the element.
-int storeText(const char* path, std::initializer_list<const char*> names, const std::string& value);
+// A getter and a setter of one text of a group. The getter leaves `value` as it is where the group
+// lacks the element, which is no failure; the setter writes when the text differs.
+int loadText(const char* path, const char* group, const char* name, std::string& value);
+int storeText(const char* path, const char* group, const char* name, const std::string& value);
 
 // The element whose text is `name`, searched from `first` on among the elements of its own name;
 // null when there is none. This is how the files name their ports.
 xml::XmlNode* findNamed(xml::XmlNode* first, const std::string& name);
+
+// The element of that decimal number, from 0 at `first` on, among the elements of its own name; a
+// text without a number is 0. Null when there is none.
+xml::XmlNode* findNumbered(xml::XmlNode* first, const std::string& number);
 
 }  // namespace onu

@@ -1,6 +1,5 @@
 #include "config/tpm_data.h"
 
-#include "base/number.h"
 #include "config/settings_file.h"
 
 namespace onu {
@@ -27,9 +26,6 @@ xml::XmlNode* firstRxQueue(const SettingsFile& file) {
 
 int readQueues(const char* path, FirstQueue first, const char* attribute, QueueTexts& values) {
   const SettingsFile file(path);
-  if (file.find({"port_init"}) == nullptr) {
-    return -1;
-  }
   const xml::XmlNode* queue = first(file);
   for (std::string& value : values) {
     if (queue == nullptr) {
@@ -38,18 +34,14 @@ int readQueues(const char* path, FirstQueue first, const char* attribute, QueueT
     copyAttribute(queue, attribute, value);
     queue = queue->next;
   }
-  return 0;
+  return file.find({"port_init"}) == nullptr ? -1 : 0;
 }
 
 int writeQueue(const char* path, FirstQueue first, const char* attribute, const std::string& queue,
                const std::string& value) {
-  const std::int32_t number = toNumber(queue);
-  if (number < 0) {
-    return -1;
-  }
-  const EditedSettings file(path);
-  xml::XmlNode* const element = xml::idx(first(file), number);
-  return file.finish(editAttribute(element, attribute, value, Write::kAlways));
+  SettingsFile file(path, Write::kAlways);
+  file.setAttribute(findNumbered(first(file), queue), attribute, value);
+  return file.save();
 }
 
 // Each of them is read and stored only where the file has it.
@@ -62,36 +54,31 @@ constexpr Field<MtuInfo> kMtuTexts[] = {
 
 }  // namespace
 
-TpmData& TpmData::getInstance() {
-  static TpmData instance;
-  return instance;
-}
-
 int TpmData::getMtu(MtuInfo& info) const {
-  const SettingsFile file(path_);
-  return copyTexts(file.find({"mtu_setting"}), kMtuTexts, info);
+  return copyTexts(SettingsFile(path_).find({"mtu_setting"}), kMtuTexts, info);
 }
 
 int TpmData::setMtu(const MtuInfo& info) const {
-  const EditedSettings file(path_);
+  SettingsFile file(path_, Write::kAlways);
   const xml::XmlNode* const group = file.find({"mtu_setting"});
   for (const auto& [name, member] : kMtuTexts) {
-    editText(xml::child(group, name.data()), info.*member, Write::kIfChanged);
+    if (xml::XmlNode* const element = xml::child(group, name.data())) {
+      file.setText(element, info.*member);
+    }
   }
-  return file.finish(group == nullptr ? Edit::kFailed : Edit::kDone);
+  return group == nullptr ? -1 : file.save();
 }
 
 int TpmData::getSchedMethod(std::string& method) const {
-  const SettingsFile file(path_);
-  return copyAttribute(firstTxQueue(file), "sched_method", method);
+  return copyAttribute(firstTxQueue(SettingsFile(path_)), "sched_method", method);
 }
 
 int TpmData::setSchedMethod(const std::string& method) const {
-  const EditedSettings file(path_);
+  SettingsFile file(path_, Write::kAlways);
   for (xml::XmlNode* queue = firstTxQueue(file); queue != nullptr; queue = queue->next) {
-    editAttribute(queue, "sched_method", method, Write::kAlways);
+    file.setAttribute(queue, "sched_method", method);
   }
-  return file.finish(file.find({"port_init"}) == nullptr ? Edit::kFailed : Edit::kDone);
+  return file.find({"port_init"}) == nullptr ? -1 : file.save();
 }
 
 int TpmData::getQueueWeights(QueueTexts& weights) const {
@@ -119,13 +106,13 @@ int TpmData::setRxQueueSize(const std::string& queue, const std::string& size) c
 }
 
 int TpmData::setFlowControl(const std::string& enabled) const {
-  const EditedSettings file(path_);
-  const xml::XmlNode* const group = file.find({"flow_control"});
-  if (group == nullptr) {
-    return -1;
+  SettingsFile file(path_, Write::kIfChanged);
+  xml::XmlNode* const element = file.find({"flow_control", "enabled"});
+  if (element == nullptr) {
+    return file.find({"flow_control"}) == nullptr ? -1 : 0;
   }
-  xml::XmlNode* const element = xml::child(group, "enabled");
-  return element == nullptr ? 0 : file.finish(editText(element, enabled, Write::kIfChanged));
+  file.setText(element, enabled);
+  return file.save();
 }
 
 }  // namespace onu

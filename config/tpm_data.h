@@ -23,11 +23,8 @@ using QueueTexts = std::array<std::string, 8>;
 // control. Values are texts whose meaning is the traffic manager's. Every call reads the file anew
 // and a setter writes it back as a whole. All return 0, or -1 when the file cannot be opened or the
 // first-level group of the value is missing. Writing is not checked.
-class TpmData {
+class TpmData : public Accessor<TpmData, kTpmSettingsPath> {
  public:
-  // Created on first use, never destroyed.
-  static TpmData& getInstance();
-
   // A missing value leaves its field as it is.
   int getMtu(MtuInfo& info) const;
   // Stores the values that have an element, and writes even when nothing changes.
@@ -52,11 +49,6 @@ class TpmData {
 
   // Writes only when the value has changed. 0 with nothing written when there is no value to set.
   int setFlowControl(const std::string& enabled) const;
-
- private:
-  TpmData() = default;
-
-  const char* path_ = kTpmSettingsPath;
 };
 
 }  // namespace onu

@@ -9,8 +9,7 @@
 namespace onu {
 namespace {
 
-constexpr char kCaptured[] = "/tmp/info_file";
-constexpr auto kIntoCaptured = join(" > ", kCaptured);
+constexpr const char* kCaptured = "/tmp/info_file";
 
 // `output` follows the script's name in the command line. A script that cannot be written leaves
 // clish without one, which changes nothing on the unit.
@@ -33,7 +32,7 @@ void CliRunner::run(std::string_view mode, std::string_view command) {
 }
 
 void CliRunner::runAndCapture(std::string_view mode, std::string_view command) {
-  runScript("/tmp/TmpFile", mode, command, kIntoCaptured.data());
+  runScript("/tmp/TmpFile", mode, command, concat({" > ", kCaptured}));
 }
 
 bool CliRunner::isFecEnabled() {

@@ -17,9 +17,8 @@ std::string_view tokenPart(std::string_view line) {
 
 }  // namespace
 
-void splitTokens(std::string_view text, TokenIndex indexing, std::string* const* slots,
+void splitTokens(std::string_view text, TokenIndex indexing, std::string* tokens,
                  std::size_t count) {
-  std::for_each(slots, slots + count, [](std::string* slot) { slot->clear(); });
   std::size_t index = 0;
   bool inToken = false;
   while (!text.empty()) {
@@ -38,7 +37,7 @@ void splitTokens(std::string_view text, TokenIndex indexing, std::string* const*
       }
       inToken = true;
       if (index < count) {
-        slots[index]->push_back(c);
+        tokens[index].push_back(c);
       }
     }
   }

@@ -10,12 +10,12 @@ enum class TokenIndex { kPerFile, kPerLine };
 
 // Splits what the EPON driver prints: of every line that begins with "[" the text after its first
 // five characters and before its last one (the closing "]"), at runs of blanks. The `count` texts
-// that `slots` points to are emptied and take one token each; those beyond are dropped.
+// at `tokens`, which must be empty, take one token each; those beyond are dropped.
 //
-// With kPerLine the n-th token of every line goes to slot n. With kPerFile the slots fill in the
-// order of the file, and a line whose sixth character is not a blank goes on with the last token of
-// the line before.
-void splitTokens(std::string_view text, TokenIndex indexing, std::string* const* slots,
+// With kPerLine the n-th token of every line is added to text n. With kPerFile the texts fill in
+// the order of the file, and a line whose sixth character is not a blank goes on with the last
+// token of the line before.
+void splitTokens(std::string_view text, TokenIndex indexing, std::string* tokens,
                  std::size_t count);
 
 }  // namespace onu

@@ -32,10 +32,10 @@ void RequestProcess(WebRequest& request, const std::string& text, const CommandT
   setCommandOfComplaints(request.commandNumber);
 
   const Command* const end = commands.rows + commands.size;
-  const Command* const row = std::lower_bound(
-      commands.rows, end, request.commandNumber,
-      [](const Command& command, std::int32_t number) { return command.number < number; });
-  if (row != end && row->number == request.commandNumber) {
+  const Command* const row = std::find_if(commands.rows, end, [&](const Command& command) {
+    return command.number == request.commandNumber;
+  });
+  if (row != end) {
     return run(*row, request);
   }
   debugTrace("RequestProcess::command processor is not find");

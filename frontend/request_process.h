@@ -24,7 +24,7 @@ struct Command {
   Changes changes = Changes::kByStoring;
 };
 
-// All commands, in ascending order of their numbers.
+// All commands.
 struct CommandTable {
   const Command* rows;
   std::size_t size;

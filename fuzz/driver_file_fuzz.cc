@@ -50,13 +50,9 @@ std::vector<std::string> naiveTokens(const std::string& text, onu::TokenIndex in
 bool agrees(const std::string& text, onu::TokenIndex indexing, std::size_t count) {
   std::vector<std::string> want = naiveTokens(text, indexing);
   want.resize(count);
-  std::vector<std::string> slots(count, "old");
-  std::vector<std::string*> addresses;
-  for (std::string& slot : slots) {
-    addresses.push_back(&slot);
-  }
-  onu::splitTokens(text, indexing, addresses.data(), addresses.size());
-  return slots == want;
+  std::vector<std::string> tokens(count);
+  onu::splitTokens(text, indexing, tokens.data(), tokens.size());
+  return tokens == want;
 }
 
 }  // namespace

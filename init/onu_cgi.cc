@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <stdexcept>
 #include <string>
 
 #include "base/message.h"
@@ -80,52 +79,41 @@ const char* receiveUpload(WebDataComm& web) {
                     : "the upload is empty, over 16 MiB or shorter than announced";
 }
 
-void nameCommand(const std::string& text) {
-  onu::ParsedQuery query;
-  onu::parseQuery(query, text);
-  onu::setCommandOfComplaints(query.commandNumber);
-}
-
-bool refuse(const onu::ResponseWriter& reply, std::string_view message, const char* why) {
-  constexpr int kBadRequest = 400;
-  complain({message, ": ", why});
-  reply.sendErrorPage(kBadRequest, message);
-  return false;
-}
-
-// Fills `text` with what is to be dispatched: of an upload the query string of its URL. False when
-// the request has been answered instead.
-bool readRequest(const onu::ResponseWriter& reply, std::string& text) {
+// Carries out the request, or answers that it is not.
+void answer() {
   WebDataComm& web = WebDataComm::getInstance();
+  onu::WebRequest request;
+  std::string text;  // what is to be dispatched: of an upload the query string of its URL
   auto type = onu::ContentType::kForm;
   web.readContentType(type);
   const bool upload = type == onu::ContentType::kMultipart;
-  const char* const refused = readText(web, upload, text);
-  if (refused == nullptr && !upload) {
-    return true;
+
+  std::string_view message = "read request fail";
+  const char* refused = readText(web, upload, text);
+  if (refused != nullptr || upload) {
+    onu::parseQuery(request.query, text);
+    onu::setCommandOfComplaints(request.query.commandNumber);
   }
-  nameCommand(text);
-  if (refused != nullptr) {
-    return refuse(reply, "read request fail", refused);
+  if (refused == nullptr && upload) {
+    message = "receive file fail";
+    refused = receiveUpload(web);
   }
-  const char* const lost = receiveUpload(web);
-  return lost == nullptr || refuse(reply, "receive file fail", lost);
+  if (refused == nullptr) {
+    return onu::RequestProcess(request, text, onu::commandTable());
+  }
+  constexpr int kBadRequest = 400;
+  complain({message, ": ", refused});
+  request.reply.sendErrorPage(kBadRequest, message);
 }
 
 }  // namespace
 
 int main() {
   try {
-    onu::WebRequest request;
-    std::string text;
-    if (readRequest(request.reply, text)) {
-      onu::RequestProcess(request, text, onu::commandTable());
-    }
-  } catch (const std::out_of_range&) {
-    // Too short a value where a command cuts a part out of it, which has said so: there is no reply
-    // to make of that.
-    return EXIT_FAILURE;
+    answer();
   } catch (const std::exception& error) {
+    // Also too short a value where a command cuts a part out of it: there is no reply to make of
+    // that.
     complain({error.what()});
     return EXIT_FAILURE;
   }
