@@ -6,6 +6,16 @@
 
 namespace onu::xml::internal {
 
+// Of no data, a byte of our own is the last.
+Parser::Parser(RootImpl& root)
+    : root_(root), e_(root.e), last_(root.s == root.e ? &lastByte_ : root.e - 1), stop_(root.e) {
+  lastByte_ = root.s == root.e ? '\0' : *last_;
+  hideLast();
+  pairs_.reserve(16);
+  opens_.expect(std::clamp<std::size_t>(static_cast<std::size_t>(e_ - root_.s) / 16,
+                                        12 * sizeof(Open), 8192));
+}
+
 void Parser::run() {
   char* p = root_.s == e_ ? nullptr : outsideContent(root_.s);
   while (p != nullptr) {
@@ -23,7 +33,7 @@ void Parser::run() {
 
 void Parser::end() {
   if (!failed_ && top_ != nullptr) {
-    fail(stop_, "unclosed tag <%s>", {top_->node->name, top_->nameLength});
+    fail(stop_, "unclosed tag <", {top_->node->name, top_->nameLength}, ">");
   }
   if (!failed_ && !hasRoot()) {
     fail(stop_, "root tag missing");
@@ -51,6 +61,48 @@ inline char* Parser::content(char* p) {
   }
   appendText(p, static_cast<std::size_t>(stop - p));
   return stop;
+}
+
+// The first byte wanted at or after p, or the end of the data.
+char* Parser::find(char* p, char wanted) const {
+  if (p == e_) {
+    return p;
+  }
+  p = strchrnul(p, wanted);
+  return p == last_ && lastByte_ != wanted && lastByte_ != '\0' ? e_ : p;
+}
+
+char* Parser::skipSpaces(char* p) const {
+  while (isSpace(peek(p))) {
+    ++p;
+  }
+  return p;
+}
+
+// Character data of the open element, where bytes from `odd` on have to be decoded.
+char* Parser::oddContent(char* text, char* odd) {
+  char* const stop = find(odd, '<');
+  if (peek(stop) == '\0') {
+    return markupAt(stop);
+  }
+  const auto length = static_cast<std::size_t>(stop - text);
+  const Decoded decoded = decode(text, odd, length, Mode::kContent);
+  if (decoded.inPlace) {
+    appendText(decoded.text, decoded.length);
+  } else if (decoded.length != 0) {
+    appendPiece(decoded.text, decoded.length);
+  }
+  return stop == last_ ? fail(stop, kUnexpected) : stop;
+}
+
+// Keeps the count of lines right, which decoding in place changes.
+Decoded Parser::decode(char* text, char* odd, std::size_t length, Mode mode) {
+  const std::ptrdiff_t lines = std::count(odd, text + length, '\n');
+  const Decoded decoded = decoder_.decode(text, odd, length, mode);
+  if (lines != 0 || decoder_.movesLines()) {
+    lostLines_ += lines - std::count(odd, text + length, '\n');
+  }
+  return decoded;
 }
 
 // Most elements hold one text and nothing else; those never become the open element.
@@ -174,7 +226,7 @@ const char* Parser::attributeValue(const char* name) {
   char* const value = quote + 1;
   char* const end = find(value, peek(quote));
   if (peek(end) == '\0') {
-    p_ = fail(quote, "missing %s", {quote, 1});
+    p_ = fail(quote, "missing ", {quote, 1});
     return nullptr;
   }
   const Mode mode = doctype_ == nullptr ? Mode::kAttribute : doctype_->attributeMode(list_, name);
@@ -239,7 +291,7 @@ char* Parser::behindOddEndTag(char* p) {
   const bool isIt = found == std::string_view(top_->node->name, top_->nameLength);
   hideLast();
   if (!isIt) {
-    return fail(p, "unexpected closing tag </%s>", found);
+    return fail(p, "unexpected closing tag </", found, ">");
   }
   char* const tagEnd = skipSpaces(nameEnd);
   return peek(tagEnd) == '>' ? tagEnd + 1 : fail(tagEnd, "missing >");

@@ -22,6 +22,7 @@ class NameTable {
   explicit NameTable(std::size_t expected);
 
   std::size_t size() const { return names_.size(); }
+  std::string_view name(std::size_t i) const { return names_[i].text; }
 
   // The number of a name, from 0, or kNone.
   std::size_t find(std::string_view name) const;

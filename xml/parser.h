@@ -46,11 +46,6 @@ class Parser {
     const char* name;
     const char* value;
   };
-  struct Instructions {
-    const char* target;
-    std::vector<const char*> texts;
-    std::string sides;
-  };
 
   bool hasRoot() const { return root_.xml.name != nullptr; }
   void hideLast() { *last_ = '\0'; }
@@ -93,8 +88,9 @@ class Parser {
   char* comment(char* p);
   char* characterData(char* p);
   Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
-  // The argument stands in for the "%s" of the message. Always nullptr.
-  char* fail(const char* place, std::string_view message, std::string_view argument = {});
+  // The message goes on with the argument and what is behind it. Always nullptr.
+  char* fail(const char* place, std::string_view message, std::string_view argument = {},
+             std::string_view behind = {});
 
   // prolog.cc
   char* documentType(char* p);
@@ -120,7 +116,7 @@ class Parser {
   std::vector<Pair> pairs_;              // attributes of that tag
   Decoder decoder_;
   std::unique_ptr<Doctype> doctype_;
-  std::vector<Instructions> instructions_;
+  std::vector<ListedText> instructions_;
   NameTable targets_;  // of them
 };
 
