@@ -27,23 +27,17 @@ void releaseAttributes(const XmlNode& node) {
   release(node.attr);
 }
 
-void releaseTexts(const XmlNode& node) {
-  if ((node.flags & kNameAllocated) != 0) {
-    release(node.name);
-  }
-  if ((node.flags & (kTextAllocated | kTextInBlock)) == kTextAllocated) {
-    release(node.txt);
-  }
-  if ((node.flags & kOwnAttributes) != 0) {
-    releaseAttributes(node);
-  }
-}
-
 // What the elements of a subtree own on the heap.
 void releaseAll(const XmlNode* top) {
   for (const XmlNode* node = top; node != nullptr; node = following(node, top)) {
-    if ((node->flags & (kNameAllocated | kTextAllocated | kOwnAttributes)) != 0) {
-      releaseTexts(*node);
+    if ((node->flags & kNameAllocated) != 0) {
+      release(node->name);
+    }
+    if ((node->flags & (kTextAllocated | kTextInBlock)) == kTextAllocated) {
+      release(node->txt);
+    }
+    if ((node->flags & kOwnAttributes) != 0) {
+      releaseAttributes(*node);
     }
   }
 }

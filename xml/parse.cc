@@ -79,24 +79,36 @@ char* Parser::otherMarkup(char* p) {
   }
 }
 
-char* Parser::declaration(char* p) {
+char* Parser::behindOddEndTag(char* p) {
+  char* const name = p + 2;
+  char* nameEnd = name;
+  while (peek(nameEnd) != '\0' && !isSpace(peek(nameEnd)) && peek(nameEnd) != '>') {
+    ++nameEnd;
+  }
+  const std::string_view found(name, static_cast<std::size_t>(nameEnd - name));
   showLast();
-  const bool isComment = startsWith(p + 1, e_, "!--");
-  const bool isCharacterData = startsWith(p + 1, e_, "![CDATA[");
-  const bool isDocumentType = startsWith(p + 1, e_, "!DOCTYPE");
+  const bool isIt = found == std::string_view(top_->node->name, top_->nameLength);
   hideLast();
-  if (isComment) {
-    return comment(p);
+  if (!isIt) {
+    return fail(p, "unexpected closing tag </", found, ">");
   }
-  if (isCharacterData) {
-    return characterData(p);
-  }
-  return isDocumentType ? documentType(p) : fail(p, kUnexpected);
+  char* const tagEnd = skipSpaces(nameEnd);
+  return peek(tagEnd) == '>' ? tagEnd + 1 : fail(tagEnd, "missing >");
 }
 
-char* Parser::comment(char* p) {
-  char* const close = closing(p + 4, "--");
-  return close == nullptr ? fail(p, "unclosed <!--") : close + 3;
+char* Parser::declaration(char* p) {
+  const auto saysThere = [this, p](std::string_view text) {
+    const char* at = p + 2;
+    return std::all_of(text.begin(), text.end(), [&](char c) { return peek(at++) == c; });
+  };
+  if (saysThere("--")) {
+    char* const close = closing(p + 4, "--");
+    return close == nullptr ? fail(p, "unclosed <!--") : close + 3;
+  }
+  if (saysThere("[CDATA[")) {
+    return characterData(p);
+  }
+  return saysThere("DOCTYPE") ? documentType(p) : fail(p, kUnexpected);
 }
 
 char* Parser::characterData(char* p) {
@@ -197,7 +209,6 @@ char* Parser::fail(const char* place, std::string_view message, std::string_view
   text += behind;
   root_.err[text.copy(root_.err, sizeof(root_.err) - 1)] = '\0';
   hideLast();
-  failed_ = true;
   return nullptr;
 }
 
