@@ -119,6 +119,7 @@ class Serialiser {
     std::size_t written;  // bytes of its text before that
   };
 
+  char* start(char* at, const XmlNode& node);
   char* textUntil(char* at, Open& open, std::size_t off);
   char* end(char* at, const XmlNode& node, const char* text);
   char* attributes(char* at, const XmlNode& node);
@@ -144,30 +145,34 @@ Serialiser::Serialiser(const XmlNode& top, Output& out) : root_(*rootOf(&top)), 
 }
 
 char* Serialiser::subtree(char* at, const XmlNode& top) {
-  for (const XmlNode* node = &top; node != nullptr;) {
-    *at++ = '<';
-    at = out_.plain(at, node->name);
-    if (node->attr[0] != nullptr || root_.attr[0] != nullptr) {
-      at = attributes(at, *node);
-    }
-    *at++ = '>';
-    if (node->child != nullptr) {
-      open_.push_back({node, node->child, node->txt, 0});
+  at = start(at, top);
+  while (!open_.empty()) {
+    Open& open = open_.back();
+    const XmlNode* const child = open.nextChild;
+    if (child != nullptr) {
+      at = textUntil(at, open, child->off);
+      open.nextChild = child->ordered;
+      at = start(at, *child);
     } else {
-      at = end(at, *node, node->txt);
-    }
-    while (!open_.empty() && open_.back().nextChild == nullptr) {
-      at = end(at, *open_.back().node, open_.back().text);
+      at = end(at, *open.node, open.text);
       open_.pop_back();
     }
-    node = nullptr;
-    if (!open_.empty()) {
-      Open& open = open_.back();
-      node = open.nextChild;
-      at = textUntil(at, open, node->off);
-      open.nextChild = node->ordered;
-    }
   }
+  return at;
+}
+
+// Writes a start tag, and all of an element without children.
+inline char* Serialiser::start(char* at, const XmlNode& node) {
+  *at++ = '<';
+  at = out_.plain(at, node.name);
+  if (node.attr[0] != nullptr || root_.attr[0] != nullptr) {
+    at = attributes(at, node);
+  }
+  *at++ = '>';
+  if (node.child == nullptr) {
+    return end(at, node, node.txt);
+  }
+  open_.push_back({&node, node.child, node.txt, 0});
   return at;
 }
 
