@@ -5,7 +5,6 @@
 
 #include "xml/memory.h"
 #include "xml/scan.h"
-#include "xml/utf.h"
 
 namespace onu::xml::internal {
 
@@ -34,6 +33,20 @@ std::size_t collapseSpaces(char* text, std::size_t length) {
 }
 
 }  // namespace
+
+char* putUtf8(std::uint32_t value, char* to) {
+  if (value < 0x80) {
+    *to++ = static_cast<char>(value);
+    return to;
+  }
+  const int bits = 32 - __builtin_clz(value);
+  int more = (bits - 2) / 5;
+  *to++ = static_cast<char>((0xFFu << (7 - more)) | (value >> (6 * more)));
+  while (more-- != 0) {
+    *to++ = static_cast<char>(0x80 | ((value >> (6 * more)) & 0x3F));
+  }
+  return to;
+}
 
 Decoder::~Decoder() { std::free(heap_); }
 

@@ -7,6 +7,9 @@
 
 namespace onu::xml::internal {
 
+// Writes a value of up to 31 bits in UTF-8, six bytes at most, and returns the place behind it.
+char* putUtf8(std::uint32_t value, char* to);
+
 // The wire characters of the modes stand for themselves in the table of declared defaults.
 enum class Mode : char {
   kContent = '&',    // general entities

@@ -1,6 +1,8 @@
 #include "xml/doctype.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 
 #include "xml/scan.h"
 
@@ -10,14 +12,6 @@ namespace {
 
 constexpr const char* kUnclosedList = "unclosed <!ATTLIST";
 constexpr const char* kMalformedList = "malformed <!ATTLIST";
-
-bool closes(const char* p, const char* e) {
-  if (*p != ']') {
-    return false;
-  }
-  p = skipSpace(p + 1, e);
-  return p != e && *p == '>';
-}
 
 // Behind the comment, instruction or quoted value that starts at p, p itself when none does,
 // nullptr when it has no end.
@@ -34,168 +28,33 @@ const char* skipOpaque(const char* p, const char* e, bool inDeclaration) {
   return p;
 }
 
-// The end of a subset whatever quotes and comments say.
-const char* plainEnd(const char* start, const char* e) {
-  for (const char* p = start; p != e; ++p) {
-    if (closes(p, e)) {
-      return p;
-    }
-  }
-  return nullptr;
-}
-
-// The end of a subset outside of quotes and comments.
-const char* carefulEnd(const char* start, const char* e) {
+// The end of a subset: outside of quotes and comments, or whatever they say.
+const char* findEnd(const char* p, const char* e, bool isCareful) {
   bool inDeclaration = false;
-  for (const char* p = start; p != e;) {
-    const char* const behind = skipOpaque(p, e, inDeclaration);
-    if (behind == nullptr || (behind == p && closes(p, e))) {
-      return behind;
+  while (p != e) {
+    const char* const behind = isCareful ? skipOpaque(p, e, inDeclaration) : p;
+    if (behind != p) {
+      if (behind == nullptr) {
+        break;
+      }
+      p = behind;
+      continue;
     }
-    if (behind == p) {
-      inDeclaration = *p == '<' || (inDeclaration && *p != '>');
+    inDeclaration = *p == '<' || (inDeclaration && *p != '>');
+    if (*p++ == ']' && startsWith(skipSpace(p, e), e, ">")) {
+      return p - 1;
     }
-    p = behind == p ? p + 1 : behind;
   }
   return nullptr;
 }
 
-}  // namespace
-
-Doctype::Doctype(RootImpl& root, Decoder& decoder) : root_(root), decoder_(decoder) {
-  decoder_.setEntities(&entities_);
+// What an attribute of the element with that list is found by.
+std::string keyOf(std::size_t list, std::string_view name) {
+  return std::string(reinterpret_cast<const char*>(&list), sizeof(list)).append(name);
 }
 
-// In a document that is not well formed what looks like the end shall be it, from then on: each
-// careful look may go to the end of the data.
-const char* Doctype::subsetEnd(const char* p, const char* e) {
-  const char* const end = isWellFormed_ ? carefulEnd(p, e) : nullptr;
-  isWellFormed_ = end != nullptr;
-  return isWellFormed_ ? end : plainEnd(p, e);
-}
-
-DoctypeError Doctype::read(std::string_view subset) {
-  SubsetSource source(subset, entities_);
-  declarations(source);
-  return error_;
-}
-
-Mode Doctype::attributeMode(std::size_t list, std::string_view name) const {
-  if (list == NameTable::kNone) {
-    return Mode::kAttribute;
-  }
-  const std::size_t i = defaults_[list].places.find(name);
-  return i == NameTable::kNone ? Mode::kAttribute : defaults_[list].attributes[i].mode;
-}
-
-bool Doctype::declarations(SubsetSource& source) {
-  while (source.skipSpace()) {
-    if (source.peek() != '<') {
-      source.skip(1);
-    } else if (!declaration(source)) {
-      return false;
-    }
-  }
-  return true;
-}
-
-bool Doctype::declaration(SubsetSource& source) {
-  const char* const place = source.place();
-  if (source.accept("<!--")) {
-    return source.upTo("-->").data() != nullptr || fail(place, "unclosed <!--");
-  }
-  if (source.accept("<?")) {
-    return source.upTo("?>").data() != nullptr || fail(place, "unclosed <?");
-  }
-  if (source.accept("<!ATTLIST")) {
-    return attributeList(source);
-  }
-  if (source.accept("<!ENTITY") && !entity(source)) {
-    return false;
-  }
-  source.skipDeclaration();
-  return true;
-}
-
-// The document's list begins with these, and the first declaration of a name holds.
-bool Doctype::isPredefined(std::string_view key) const {
-  for (std::size_t i = 0; i != kPredefinedEntities; ++i) {
-    if (root_.predefined[2 * i] == key) {
-      return true;
-    }
-  }
-  return false;
-}
-
-// Declarations of external entities have no value to keep.
-bool Doctype::entity(SubsetSource& source) {
-  const char* const place = source.place();
-  if (!source.skipSpace()) {
-    return true;
-  }
-  const bool isParameter = source.accept("%");
-  if (!source.skipSpace()) {
-    return true;
-  }
-  const Token name = source.word("\"'>");
-  if (name.empty() || !source.skipSpace()) {
-    return true;
-  }
-  const Token value = source.quoted();
-  if (value.data() == nullptr) {
-    return true;
-  }
-
-  char* const key = root_.texts.copy(name.data(), name.size() + 1);
-  key[name.size()] = ';';
-  const std::string_view fullName(key, name.size() + 1);
-  if (!isParameter && isPredefined(fullName)) {
-    return true;
-  }
-  const std::string_view text = decodedCopy(value, Mode::kEntity);
-  EntityTable& table = isParameter ? entities_.parameter : entities_.general;
-  return !table.add({fullName, text}) || !table.isNewestCircular() ||
-         fail(place, "circular entity declaration &%s", fullName);
-}
-
-bool Doctype::attributeList(SubsetSource& source) {
-  const char* const place = source.place();
-  if (!source.skipSpace()) {
-    return fail(place, kUnclosedList);
-  }
-  const Token element = source.word(">");
-  if (element.empty()) {
-    return fail(place, kMalformedList);
-  }
-  std::size_t list = NameTable::kNone;
-  for (;;) {
-    if (!source.skipSpace()) {
-      return fail(place, kUnclosedList);
-    }
-    if (source.accept(">")) {
-      return true;
-    }
-    const Token name = source.word(">/=");
-    if (name.empty() || (source.peek() != '\0' && !isSpace(source.peek()))) {
-      return fail(place, kMalformedList);
-    }
-    Mode mode = Mode::kAttribute;
-    if (!source.skipSpace()) {
-      return fail(place, kUnclosedList);
-    }
-    if (!attributeType(source, &mode)) {
-      return fail(place, kMalformedList);
-    }
-    if (!source.skipSpace()) {
-      return fail(place, kUnclosedList);
-    }
-    if (!defaultValue(source, &list, element, name, mode)) {
-      return fail(place, kMalformedList);
-    }
-  }
-}
-
-bool Doctype::attributeType(SubsetSource& source, Mode* mode) {
+// Reads an attribute's type. False when there is none.
+bool attributeType(SubsetSource& source, Mode* mode) {
   *mode = Mode::kTokens;
   if (source.peek() != '(') {
     const Token type = source.word("(>\"'#");
@@ -212,8 +71,8 @@ bool Doctype::attributeType(SubsetSource& source, Mode* mode) {
   return source.accept("(") && source.upTo(")").data() != nullptr;
 }
 
-bool Doctype::defaultValue(SubsetSource& source, std::size_t* list, Token element, Token name,
-                           Mode mode) {
+// Reads what follows the type: into `value` a default, if it is one. False when it is nothing.
+bool defaultValue(SubsetSource& source, Token* value) {
   if (source.accept("#FIXED")) {
     if (!source.skipSpace()) {
       return false;
@@ -221,25 +80,137 @@ bool Doctype::defaultValue(SubsetSource& source, std::size_t* list, Token elemen
   } else if (source.peek() == '#') {
     return source.word(">").size() > 1;
   }
-  const Token value = source.quoted();
-  if (value.data() == nullptr) {
-    return false;
-  }
-  addDefault(list, element, name, value, mode);
-  return true;
+  *value = source.quoted();
+  return value->data() != nullptr;
 }
 
-void Doctype::addDefault(std::size_t* list, Token element, Token name, Token value, Mode mode) {
-  if (*list == NameTable::kNone) {
-    *list = places_.add(element);
+}  // namespace
+
+// In a document that is not well formed what looks like the end shall be it, from then on: each
+// careful look may go to the end of the data.
+const char* Doctype::subsetEnd(const char* p, const char* e) {
+  const char* const end = isWellFormed_ ? findEnd(p, e, true) : nullptr;
+  isWellFormed_ = end != nullptr;
+  return isWellFormed_ ? end : findEnd(p, e, false);
+}
+
+DoctypeError Doctype::read(std::string_view subset) {
+  SubsetSource source(subset, entities_);
+  while (source.skipSpace()) {
+    const char* const place = source.place();
+    if (source.peek() != '<') {
+      source.skip(1);
+    } else if (const char* const message = declaration(source); message != nullptr) {
+      return {place, message, circular_};
+    }
   }
-  if (*list == defaults_.size()) {
-    defaults_.push_back({root_.texts.copy(element.data(), element.size()), {}, {}});
+  return {};
+}
+
+Mode Doctype::attributeMode(std::size_t list, std::string_view name) const {
+  const std::size_t i = list == NameTable::kNone ? list : attributes_.find(keyOf(list, name));
+  return i == NameTable::kNone ? Mode::kAttribute : Mode{*defaults_[3 * i + 2].text};
+}
+
+const char* Doctype::declaration(SubsetSource& source) {
+  if (source.accept("<!--")) {
+    return source.upTo("-->").data() != nullptr ? nullptr : "unclosed <!--";
   }
-  ElementDefaults& defaults = defaults_[*list];
-  if (defaults.places.add(name) == defaults.attributes.size()) {
-    const char* const key = root_.texts.copy(name.data(), name.size());
-    defaults.attributes.push_back({key, decodedCopy(value, mode).data(), mode});
+  if (source.accept("<?")) {
+    return source.upTo("?>").data() != nullptr ? nullptr : "unclosed <?";
+  }
+  if (source.accept("<!ATTLIST")) {
+    return attributeList(source);
+  }
+  const char* const message = source.accept("<!ENTITY") ? entity(source) : nullptr;
+  source.skipDeclaration();
+  return message;
+}
+
+// Declarations of external entities have no value to keep. The predefined entities stay, as any
+// first declaration does.
+const char* Doctype::entity(SubsetSource& source) {
+  source.skipSpace();
+  const bool isParameter = source.accept("%");
+  source.skipSpace();
+  const Token name = source.word("\"'>");
+  source.skipSpace();
+  const Token value = source.quoted();
+  if (name.empty() || value.data() == nullptr) {
+    return nullptr;
+  }
+  char* const key = root_.texts.copy(name.data(), name.size() + 1);
+  key[name.size()] = ';';
+  const std::string_view fullName(key, name.size() + 1);
+  for (std::size_t i = 0; !isParameter && kPredefined[i] != nullptr; i += 2) {
+    if (fullName == kPredefined[i]) {
+      return nullptr;
+    }
+  }
+  EntityTable& table = isParameter ? entities_.parameter : entities_.general;
+  if (!table.add(fullName, decodedCopy(value, Mode::kEntity)) || !table.isNewestCircular()) {
+    return nullptr;
+  }
+  circular_ = fullName;
+  return "circular entity declaration &";
+}
+
+const char* Doctype::attributeList(SubsetSource& source) {
+  if (!source.skipSpace()) {
+    return kUnclosedList;
+  }
+  const Token element = source.word(">");
+  if (element.empty()) {
+    return kMalformedList;
+  }
+  std::size_t list = NameTable::kNone;
+  while (source.skipSpace()) {
+    if (source.accept(">")) {
+      return nullptr;
+    }
+    const Token name = source.word(">/=");
+    if (name.empty() || (source.peek() != '\0' && !isSpace(source.peek()))) {
+      return kMalformedList;
+    }
+    if (!source.skipSpace()) {
+      break;
+    }
+    Mode mode = Mode::kAttribute;
+    if (!attributeType(source, &mode)) {
+      return kMalformedList;
+    }
+    if (!source.skipSpace()) {
+      break;
+    }
+    Token value;
+    if (!defaultValue(source, &value)) {
+      return kMalformedList;
+    }
+    if (value.data() != nullptr) {
+      list = list == NameTable::kNone ? listFor(element) : list;
+      addDefault(list, name, value, mode);
+    }
+  }
+  return kUnclosedList;
+}
+
+std::size_t Doctype::listFor(std::string_view element) {
+  const std::size_t list = elements_.find(element);
+  return list != NameTable::kNone
+             ? list
+             : elements_.add({root_.texts.copy(element.data(), element.size()), element.size()});
+}
+
+void Doctype::addDefault(std::size_t list, Token name, Token value, Mode mode) {
+  const std::string key = keyOf(list, name);
+  if (attributes_.find(key) != NameTable::kNone) {
+    return;
+  }
+  const char* const copy = root_.texts.copy(key.data(), key.size());
+  attributes_.add({copy, key.size()});
+  const char* const type = mode == Mode::kTokens ? "*" : " ";
+  for (const char* text : {copy + sizeof(list), decodedCopy(value, mode).data(), type}) {
+    defaults_.push_back({list, text});
   }
 }
 
@@ -250,37 +221,17 @@ std::string_view Doctype::decodedCopy(Token value, Mode mode) {
   return {decoded.inPlace ? text : root_.texts.copy(decoded.text, decoded.length), decoded.length};
 }
 
-bool Doctype::fail(const char* place, const char* message, std::string_view argument) {
-  error_ = {place, message, argument};
-  return false;
-}
-
 void Doctype::publish() const {
   const auto& general = entities_.general.all();
-  const char** entity =
-      root_.words.array<const char*>(2 * (kPredefinedEntities + general.size()) + 1);
-  root_.ent = entity;
-  entity = std::copy_n(root_.predefined, 2 * kPredefinedEntities, entity);
+  const char** text = root_.words.array<const char*>(std::size(kPredefined) + 2 * general.size());
+  root_.ent = text;
+  text = std::copy(kPredefined, std::end(kPredefined) - 1, text);
   for (const Entity& declared : general) {
-    *entity++ = declared.name.data();
-    *entity++ = declared.value.data();
+    *text++ = declared.name.data();
+    *text++ = declared.value.data();
   }
-  *entity = nullptr;
-
-  const char*** lists = root_.words.array<const char**>(defaults_.size() + 1);
-  root_.attr = lists;
-  for (const ElementDefaults& defaults : defaults_) {
-    const char** text = root_.words.array<const char*>(2 + 3 * defaults.attributes.size());
-    *lists++ = text;
-    *text++ = defaults.element;
-    for (const Default& attribute : defaults.attributes) {
-      *text++ = attribute.name;
-      *text++ = attribute.value;
-      *text++ = attribute.mode == Mode::kTokens ? "*" : " ";
-    }
-    *text = nullptr;
-  }
-  *lists = nullptr;
+  *text = nullptr;
+  root_.attr = root_.words.lists(elements_, defaults_);
 }
 
 }  // namespace onu::xml::internal

@@ -20,7 +20,9 @@ struct DoctypeError {
 // when the first internal subset is met.
 class Doctype {
  public:
-  Doctype(RootImpl& root, Decoder& decoder);
+  Doctype(RootImpl& root, Decoder& decoder) : root_(root), decoder_(decoder) {
+    decoder_.setEntities(&entities_);
+  }
 
   // End of the internal subset that starts at p, behind its '[': the place of the ']' that only
   // white space parts from a '>'. nullptr when there is none.
@@ -32,7 +34,7 @@ class Doctype {
 
   // The number of the element's list of defaults, for attributeMode: looked up once for a tag,
   // since the name may be as long as the input. NameTable::kNone without a list.
-  std::size_t listOf(std::string_view element) const { return places_.find(element); }
+  std::size_t listOf(std::string_view element) const { return elements_.find(element); }
   // How an attribute of the element with that list is to be decoded.
   Mode attributeMode(std::size_t list, std::string_view name) const;
 
@@ -40,36 +42,23 @@ class Doctype {
   void publish() const;
 
  private:
-  struct Default {
-    const char* name;
-    const char* value;
-    Mode mode;
-  };
-  struct ElementDefaults {
-    const char* element;
-    std::vector<Default> attributes;
-    NameTable places;  // in attributes
-  };
+  // These give the message of an error, or nullptr.
+  const char* declaration(SubsetSource& source);
+  const char* entity(SubsetSource& source);
+  const char* attributeList(SubsetSource& source);
 
-  bool declarations(SubsetSource& source);
-  bool declaration(SubsetSource& source);
-  bool entity(SubsetSource& source);
-  bool isPredefined(std::string_view key) const;
-  bool attributeList(SubsetSource& source);
-  bool attributeType(SubsetSource& source, Mode* mode);
-  bool defaultValue(SubsetSource& source, std::size_t* list, Token element, Token name, Mode mode);
-  // `list` becomes the number of the element's list with its first default.
-  void addDefault(std::size_t* list, Token element, Token name, Token value, Mode mode);
+  std::size_t listFor(std::string_view element);
+  void addDefault(std::size_t list, Token name, Token value, Mode mode);
   std::string_view decodedCopy(Token value, Mode mode);
-  bool fail(const char* place, const char* message, std::string_view argument = {});
 
   RootImpl& root_;
   Decoder& decoder_;
   Entities entities_;
-  std::vector<ElementDefaults> defaults_;
-  NameTable places_;  // of elements in defaults_
-  DoctypeError error_;
-  bool isWellFormed_ = true;  // quotes and comments say where a subset does not end
+  NameTable elements_;                // that have defaults
+  NameTable attributes_;              // of all of them: the bytes of the list's number and the name
+  std::vector<ListedText> defaults_;  // three texts for each of the attributes
+  std::string_view circular_;         // the entity found in a circle
+  bool isWellFormed_ = true;          // quotes and comments say where a subset does not end
 };
 
 }  // namespace onu::xml::internal

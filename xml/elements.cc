@@ -6,6 +6,60 @@
 
 namespace onu::xml::internal {
 
+namespace {
+
+inline void appendSame(Node* first, Node* node) {
+  node->beforeSame = std::exchange(first->beforeSame, node);
+  node->beforeSame->next = node;
+}
+
+// The first of a list of groups whose name is the `length` bytes at `name`, which stand behind all
+// of theirs in the input, so that as many can be read there.
+inline Node* findGroup(XmlNode* first, const char* name, std::size_t length) {
+  while (first != nullptr &&
+         (first->name[length] != '\0' || !sameBytes(first->name, name, length))) {
+    first = first->sibling;
+  }
+  return static_cast<Node*>(first);
+}
+
+// Groups the children of many names again, with a table.
+void regroup(XmlNode* parent) {
+  std::size_t children = 0;
+  for (const XmlNode* node = parent->child; node != nullptr; node = node->ordered) {
+    ++children;
+  }
+  NameTable names;
+  names.reserve(children);
+  std::vector<Node*> firsts;
+  firsts.reserve(children);
+  for (XmlNode* child = parent->child; child != nullptr; child = child->ordered) {
+    auto* const node = static_cast<Node*>(child);
+    node->next = node->sibling = nullptr;
+    node->beforeSame = node;
+    const std::size_t i = names.add(node->name);
+    if (i != firsts.size()) {
+      appendSame(firsts[i], node);
+      continue;
+    }
+    if (i != 0) {
+      firsts.back()->sibling = node;
+    }
+    firsts.push_back(node);
+  }
+}
+
+}  // namespace
+
+// Of no data, a byte of our own is the last.
+Parser::Parser(RootImpl& root)
+    : root_(root), e_(root.e), last_(root.s == root.e ? &lastByte_ : root.e - 1), stop_(root.e) {
+  lastByte_ = root.s == root.e ? '\0' : *last_;
+  hideLast();
+  pairs_.reserve(16);
+  opens_.reserve(8);
+}
+
 void Parser::run() {
   char* p = root_.s == e_ ? nullptr : outsideContent(root_.s);
   while (p != nullptr) {
@@ -22,10 +76,10 @@ void Parser::run() {
 }
 
 void Parser::end() {
-  if (!failed_ && top_ != nullptr) {
-    fail(stop_, "unclosed tag <%s>", {top_->node->name, top_->nameLength});
+  if (!failed() && top_ != nullptr) {
+    fail(stop_, "unclosed tag <", {top_->node->name, top_->nameLength}, ">");
   }
-  if (!failed_ && !hasRoot()) {
+  if (!failed() && !hasRoot()) {
     fail(stop_, "root tag missing");
   }
   root_.cur = top_ == nullptr ? nullptr : top_->node;
@@ -51,6 +105,48 @@ inline char* Parser::content(char* p) {
   }
   appendText(p, static_cast<std::size_t>(stop - p));
   return stop;
+}
+
+// The first byte wanted at or after p, or the end of the data.
+char* Parser::find(char* p, char wanted) const {
+  if (p == e_) {
+    return p;
+  }
+  p = strchrnul(p, wanted);
+  return p == last_ && lastByte_ != wanted && lastByte_ != '\0' ? e_ : p;
+}
+
+char* Parser::skipSpaces(char* p) const {
+  while (isSpace(peek(p))) {
+    ++p;
+  }
+  return p;
+}
+
+// Character data of the open element, where bytes from `odd` on have to be decoded.
+char* Parser::oddContent(char* text, char* odd) {
+  char* const stop = find(odd, '<');
+  if (peek(stop) == '\0') {
+    return markupAt(stop);
+  }
+  const auto length = static_cast<std::size_t>(stop - text);
+  const Decoded decoded = decode(text, odd, length, Mode::kContent);
+  if (decoded.inPlace) {
+    appendText(decoded.text, decoded.length);
+  } else if (decoded.length != 0) {
+    appendPiece(decoded.text, decoded.length);
+  }
+  return stop == last_ ? fail(stop, kUnexpected) : stop;
+}
+
+// Keeps the count of lines right, which decoding in place changes.
+Decoded Parser::decode(char* text, char* odd, std::size_t length, Mode mode) {
+  const std::ptrdiff_t lines = std::count(odd, text + length, '\n');
+  const Decoded decoded = decoder_.decode(text, odd, length, mode);
+  if (lines != 0 || decoder_.movesLines()) {
+    lostLines_ += lines - std::count(odd, text + length, '\n');
+  }
+  return decoded;
 }
 
 // Most elements hold one text and nothing else; those never become the open element.
@@ -174,7 +270,7 @@ const char* Parser::attributeValue(const char* name) {
   char* const value = quote + 1;
   char* const end = find(value, peek(quote));
   if (peek(end) == '\0') {
-    p_ = fail(quote, "missing %s", {quote, 1});
+    p_ = fail(quote, "missing ", {quote, 1});
     return nullptr;
   }
   const Mode mode = doctype_ == nullptr ? Mode::kAttribute : doctype_->attributeMode(list_, name);
@@ -228,23 +324,6 @@ inline char* Parser::behindEndTag(char* p, const char* name, std::size_t length)
   return isIt ? p + length + 3 : nullptr;
 }
 
-char* Parser::behindOddEndTag(char* p) {
-  char* const name = p + 2;
-  char* nameEnd = name;
-  while (peek(nameEnd) != '\0' && !isSpace(peek(nameEnd)) && peek(nameEnd) != '>') {
-    ++nameEnd;
-  }
-  const std::string_view found(name, static_cast<std::size_t>(nameEnd - name));
-  showLast();
-  const bool isIt = found == std::string_view(top_->node->name, top_->nameLength);
-  hideLast();
-  if (!isIt) {
-    return fail(p, "unexpected closing tag </%s>", found);
-  }
-  char* const tagEnd = skipSpaces(nameEnd);
-  return peek(tagEnd) == '>' ? tagEnd + 1 : fail(tagEnd, "missing >");
-}
-
 // Adds an element behind what the open one has so far; the first is the root. Not yet open.
 inline XmlNode* Parser::add(char* name, std::size_t length, const char** attributes) {
   if (top_ == nullptr) {
@@ -285,55 +364,9 @@ inline void Parser::link(Node* node, std::size_t length) {
   ++parent.groups;
 }
 
-inline void Parser::appendSame(Node* first, Node* node) {
-  node->beforeSame = std::exchange(first->beforeSame, node);
-  node->beforeSame->next = node;
-}
-
-// The first of a list of groups whose name is the `length` bytes at `name`, which stand behind all
-// of theirs in the input, so that as many can be read there.
-inline Node* Parser::findGroup(XmlNode* first, const char* name, std::size_t length) {
-  while (first != nullptr &&
-         (first->name[length] != '\0' || !sameBytes(first->name, name, length))) {
-    first = first->sibling;
-  }
-  return static_cast<Node*>(first);
-}
-
-// Groups the children of many names again, with a table.
-void Parser::regroup(XmlNode* parent) {
-  std::size_t children = 0;
-  for (const XmlNode* node = parent->child; node != nullptr; node = node->ordered) {
-    ++children;
-  }
-  NameTable names(children);
-  std::vector<Node*> firsts;
-  firsts.reserve(children);
-  for (XmlNode* child = parent->child; child != nullptr; child = child->ordered) {
-    auto* const node = static_cast<Node*>(child);
-    node->next = node->sibling = nullptr;
-    node->beforeSame = node;
-    const std::size_t i = names.add(node->name);
-    if (i != firsts.size()) {
-      appendSame(firsts[i], node);
-      continue;
-    }
-    if (i != 0) {
-      firsts.back()->sibling = node;
-    }
-    firsts.push_back(node);
-  }
-}
-
 inline void Parser::open(XmlNode* node, std::size_t nameLength) {
-  Open* next = spare_;
-  if (next != nullptr) {
-    spare_ = next->outer;
-  } else {
-    next = reinterpret_cast<Open*>(opens_.take(sizeof(Open)));
-  }
-  *next = {top_, node, nameLength, 0, kNoPieces, nullptr, nullptr, 0, 0};
-  top_ = next;
+  opens_.push_back({node, nameLength});
+  top_ = &opens_.back();
 }
 
 inline void Parser::close() {
@@ -349,8 +382,8 @@ inline void Parser::close() {
   if (node->child != nullptr) {
     static_cast<Node*>(node->child)->before = top_->lastChild;
   }
-  Open* const closed = std::exchange(top_, top_->outer);
-  closed->outer = std::exchange(spare_, closed);
+  opens_.pop_back();
+  top_ = opens_.empty() ? nullptr : &opens_.back();
 }
 
 // A piece behind the first. The first itself is copied when the second comes.

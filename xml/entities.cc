@@ -11,13 +11,12 @@ const Entity* EntityTable::find(std::string_view name) const {
   return i == NameTable::kNone ? nullptr : &entities_[i];
 }
 
-bool EntityTable::add(const Entity& entity) {
-  if (places_.add(entity.name) != entities_.size()) {
-    return false;
+bool EntityTable::add(std::string_view name, std::string_view value) {
+  const bool isNew = places_.add(name) == entities_.size();
+  if (isNew) {
+    entities_.push_back({name, value, NameTable::kNone});
   }
-  entities_.push_back(entity);
-  seen_.push_back(NameTable::kNone);
-  return true;
+  return isNew;
 }
 
 // One that nobody referred to before cannot be in a circle but with itself.
@@ -43,7 +42,7 @@ bool EntityTable::isNewestCircular() {
       }
       if (found == NameTable::kNone) {
         awaited_.add({p + 1, length - 1});
-      } else if (isAwaited && std::exchange(seen_[found], newest) != newest) {
+      } else if (isAwaited && std::exchange(entities_[found].seenFor, newest) != newest) {
         left.push_back(found);
       }
     }

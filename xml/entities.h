@@ -11,6 +11,7 @@ namespace onu::xml::internal {
 struct Entity {
   std::string_view name;  // with its ";", and a NUL behind that
   std::string_view value;
+  std::size_t seenFor;  // the newest entity for which it was looked at
 };
 
 // General or parameter entities in the order declared. Texts are not copied.
@@ -23,7 +24,7 @@ class EntityTable {
   const Entity* find(std::string_view name) const;
 
   // Keeps the first declaration of a name. False when there was one.
-  bool add(const Entity& entity);
+  bool add(std::string_view name, std::string_view value);
 
   // Whether the newest refers to itself, directly or through others: to be asked once for each. A
   // byte declared pays for looking at 64, so that the cost stays linear; only in a file made for it
@@ -35,10 +36,9 @@ class EntityTable {
  private:
   char sign_;
   std::vector<Entity> entities_;
-  NameTable places_;               // in entities_
-  NameTable awaited_;              // names that were referred to before they were declared
-  std::vector<std::size_t> seen_;  // the newest entity for which each was looked at
-  std::size_t looks_ = 0;          // bytes that may be looked at yet
+  NameTable places_;       // in entities_
+  NameTable awaited_;      // names that were referred to before they were declared
+  std::size_t looks_ = 0;  // bytes that may be looked at yet
 };
 
 // All entities a document declares. References past the budget stay as written, so that a small

@@ -11,8 +11,6 @@ namespace onu::xml::internal {
 namespace {
 
 const char** const kNoLists[] = {nullptr};
-constexpr const char* kPredefined[2 * kPredefinedEntities + 1] = {
-    "lt;", "&#60;", "gt;", "&#62;", "quot;", "&#34;", "apos;", "&#39;", "amp;", "&#38;", nullptr};
 
 void releaseAttributes(const XmlNode& node) {
   std::size_t count = 0;
@@ -29,23 +27,17 @@ void releaseAttributes(const XmlNode& node) {
   release(node.attr);
 }
 
-void releaseTexts(const XmlNode& node) {
-  if ((node.flags & kNameAllocated) != 0) {
-    release(node.name);
-  }
-  if ((node.flags & (kTextAllocated | kTextInBlock)) == kTextAllocated) {
-    release(node.txt);
-  }
-  if ((node.flags & kOwnAttributes) != 0) {
-    releaseAttributes(node);
-  }
-}
-
 // What the elements of a subtree own on the heap.
 void releaseAll(const XmlNode* top) {
   for (const XmlNode* node = top; node != nullptr; node = following(node, top)) {
-    if ((node->flags & (kNameAllocated | kTextAllocated | kOwnAttributes)) != 0) {
-      releaseTexts(*node);
+    if ((node->flags & kNameAllocated) != 0) {
+      release(node->name);
+    }
+    if ((node->flags & (kTextAllocated | kTextInBlock)) == kTextAllocated) {
+      release(node->txt);
+    }
+    if ((node->flags & kOwnAttributes) != 0) {
+      releaseAttributes(*node);
     }
   }
 }
@@ -95,6 +87,27 @@ char* Arena::copy(const char* from, std::size_t length) {
   return to;
 }
 
+const char*** Arena::lists(const NameTable& names, const std::vector<ListedText>& texts) {
+  const char*** const table = array<const char**>(names.size() + 1);
+  std::vector<std::size_t> sizes(names.size(), 1);
+  for (const ListedText& text : texts) {
+    ++sizes[text.list];
+  }
+  for (std::size_t i = 0; i != sizes.size(); ++i) {
+    table[i] = array<const char*>(sizes[i] + 1);
+    *table[i]++ = names.name(i).data();
+  }
+  for (const ListedText& text : texts) {
+    *table[text.list]++ = text.text;
+  }
+  for (std::size_t i = 0; i != sizes.size(); ++i) {
+    *table[i] = nullptr;
+    table[i] -= sizes[i];
+  }
+  table[sizes.size()] = nullptr;
+  return table;
+}
+
 RootImpl* newRoot(char* data, std::size_t length) {
   auto* const root = new RootImpl();
   // Two to four blocks of elements for a settings file, and not much of the last one unused.
@@ -104,10 +117,9 @@ RootImpl* newRoot(char* data, std::size_t length) {
   root->len = static_cast<std::ptrdiff_t>(length);
   root->s = data;
   root->e = data + length;
-  std::memcpy(root->predefined, kPredefined, sizeof(kPredefined));
   root->xml.attr = noAttributes();
   root->xml.txt = "";
-  root->ent = root->predefined;
+  root->ent = const_cast<const char**>(kPredefined);
   root->attr = const_cast<const char***>(kNoLists);
   root->pi = const_cast<const char***>(kNoLists);
   return root;

@@ -6,11 +6,6 @@
 
 namespace onu::xml::internal {
 
-NameTable::NameTable(std::size_t expected) {
-  names_.reserve(expected);
-  setPlaces(expected + 1);
-}
-
 std::size_t NameTable::find(std::string_view name) const {
   // Of none, number 0 less 1 is kNone.
   return names_.empty() ? kNone : std::size_t{places_[placeOf({name, hashOf(name)})]} - 1;
@@ -18,7 +13,7 @@ std::size_t NameTable::find(std::string_view name) const {
 
 std::size_t NameTable::add(std::string_view name) {
   if (2 * names_.size() >= places_.size()) {
-    setPlaces(2 * names_.size() + 1);
+    grow(4 * names_.size() + 1);
   }
   const Name added = {name, hashOf(name)};
   std::uint32_t& place = places_[placeOf(added)];
@@ -70,8 +65,8 @@ std::size_t NameTable::placeOf(const Name& name) const {
   }
 }
 
-// A power of two of them, twice `count` or more.
-void NameTable::setPlaces(std::size_t count) {
+// So many places, or more to make it a power of two.
+void NameTable::grow(std::size_t places) {
   if (places_.empty()) {
     // The keys are the kernel's random bytes for this process.
     // NOLINTNEXTLINE(performance-no-int-to-ptr): this entry of the auxiliary vector is an address
@@ -80,11 +75,11 @@ void NameTable::setPlaces(std::size_t count) {
       std::memcpy(keys_, random + sizeof(keys_), sizeof(keys_));
     }
   }
-  std::size_t places = 16;
-  while (places < 2 * count) {
-    places *= 2;
+  std::size_t power = 16;
+  while (power < places) {
+    power *= 2;
   }
-  places_.assign(places, 0);
+  places_.assign(power, 0);
   for (std::size_t i = 0; i != names_.size(); ++i) {
     places_[placeOf(names_[i])] = static_cast<std::uint32_t>(i + 1);
   }

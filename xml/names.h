@@ -17,11 +17,14 @@ class NameTable {
  public:
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-  NameTable() = default;
-  // With room for so many.
-  explicit NameTable(std::size_t expected);
+  // Makes room for so many; before the first one is added.
+  void reserve(std::size_t count) {
+    names_.reserve(count);
+    grow(2 * count + 1);
+  }
 
   std::size_t size() const { return names_.size(); }
+  std::string_view name(std::size_t i) const { return names_[i].text; }
 
   // The number of a name, from 0, or kNone.
   std::size_t find(std::string_view name) const;
@@ -40,7 +43,7 @@ class NameTable {
   std::uint64_t mix(std::uint64_t state) const;
   std::uint32_t hashOf(std::string_view name) const;
   std::size_t placeOf(const Name& name) const;
-  void setPlaces(std::size_t count);
+  void grow(std::size_t places);
 
   std::uint32_t keys_[2] = {0x9E3779B9, 0x7F4A7C15};
   std::vector<Name> names_;

@@ -1,45 +1,39 @@
-// Everything between the tags, and the course of a parse.
+// What few bytes of a file are: the markup between the tags, and errors.
 #include <algorithm>
 #include <string>
 
 #include "xml/parser.h"
-#include "xml/utf.h"
 
 namespace onu::xml::internal {
 
 namespace {
 
-std::ptrdiff_t countLines(const char* p, const char* e) { return std::count(p, e, '\n'); }
+// Whether an XML declaration's text, which is read as far as it holds pairs of a name and a quoted
+// value, sets "standalone" to yes.
+bool saysStandalone(std::string_view text) {
+  constexpr std::string_view kName = "standalone";
+  if (text.find(kName) == std::string_view::npos) {
+    return false;
+  }
+  Entities none;
+  SubsetSource source(text, none);
+  for (;;) {
+    source.skipSpace();
+    const bool isStandalone = source.word("=") == kName;
+    source.skipSpace();
+    const bool hasValue = source.accept("=");
+    source.skipSpace();
+    const Token value = source.quoted();
+    if (!hasValue || value.data() == nullptr) {
+      return false;
+    }
+    if (isStandalone) {
+      return value == "yes";
+    }
+  }
+}
 
 }  // namespace
-
-// Of no data, a byte of our own is the last.
-Parser::Parser(RootImpl& root)
-    : root_(root), e_(root.e), last_(root.s == root.e ? &lastByte_ : root.e - 1), stop_(root.e) {
-  lastByte_ = root.s == root.e ? '\0' : *last_;
-  hideLast();
-  pairs_.reserve(16);
-  opens_.expect(std::clamp<std::size_t>(static_cast<std::size_t>(e_ - root_.s) / 16,
-                                        12 * sizeof(Open), 8192));
-}
-
-// The first byte wanted at or after p, or the end of the data.
-char* Parser::find(char* p, char wanted) const {
-  if (p == e_) {
-    return p;
-  }
-  while (*p != wanted && *p != '\0') {
-    ++p;
-  }
-  return p == last_ && lastByte_ != wanted && lastByte_ != '\0' ? e_ : p;
-}
-
-char* Parser::skipSpaces(char* p) const {
-  while (isSpace(peek(p))) {
-    ++p;
-  }
-  return p;
-}
 
 // The place of the first mark behind which a '>' stands, or nullptr.
 char* Parser::closing(char* text, std::string_view mark) const {
@@ -58,22 +52,6 @@ char* Parser::markupAt(char* p) {
     return nullptr;
   }
   return p == last_ ? fail(p, kUnexpected) : p;
-}
-
-// Character data of the open element, where bytes from `odd` on have to be decoded.
-char* Parser::oddContent(char* text, char* odd) {
-  char* const stop = find(odd, '<');
-  if (peek(stop) == '\0') {
-    return markupAt(stop);
-  }
-  const auto length = static_cast<std::size_t>(stop - text);
-  const Decoded decoded = decode(text, odd, length, Mode::kContent);
-  if (decoded.inPlace) {
-    appendText(decoded.text, decoded.length);
-  } else if (decoded.length != 0) {
-    appendPiece(decoded.text, decoded.length);
-  }
-  return stop == last_ ? fail(stop, kUnexpected) : stop;
 }
 
 char* Parser::outsideContent(char* text) {
@@ -101,24 +79,36 @@ char* Parser::otherMarkup(char* p) {
   }
 }
 
-char* Parser::declaration(char* p) {
+char* Parser::behindOddEndTag(char* p) {
+  char* const name = p + 2;
+  char* nameEnd = name;
+  while (peek(nameEnd) != '\0' && !isSpace(peek(nameEnd)) && peek(nameEnd) != '>') {
+    ++nameEnd;
+  }
+  const std::string_view found(name, static_cast<std::size_t>(nameEnd - name));
   showLast();
-  const bool isComment = startsWith(p + 1, e_, "!--");
-  const bool isCharacterData = startsWith(p + 1, e_, "![CDATA[");
-  const bool isDocumentType = startsWith(p + 1, e_, "!DOCTYPE");
+  const bool isIt = found == std::string_view(top_->node->name, top_->nameLength);
   hideLast();
-  if (isComment) {
-    return comment(p);
+  if (!isIt) {
+    return fail(p, "unexpected closing tag </", found, ">");
   }
-  if (isCharacterData) {
-    return characterData(p);
-  }
-  return isDocumentType ? documentType(p) : fail(p, kUnexpected);
+  char* const tagEnd = skipSpaces(nameEnd);
+  return peek(tagEnd) == '>' ? tagEnd + 1 : fail(tagEnd, "missing >");
 }
 
-char* Parser::comment(char* p) {
-  char* const close = closing(p + 4, "--");
-  return close == nullptr ? fail(p, "unclosed <!--") : close + 3;
+char* Parser::declaration(char* p) {
+  const auto saysThere = [this, p](std::string_view text) {
+    const char* at = p + 2;
+    return std::all_of(text.begin(), text.end(), [&](char c) { return peek(at++) == c; });
+  };
+  if (saysThere("--")) {
+    char* const close = closing(p + 4, "--");
+    return close == nullptr ? fail(p, "unclosed <!--") : close + 3;
+  }
+  if (saysThere("[CDATA[")) {
+    return characterData(p);
+  }
+  return saysThere("DOCTYPE") ? documentType(p) : fail(p, kUnexpected);
 }
 
 char* Parser::characterData(char* p) {
@@ -134,44 +124,92 @@ char* Parser::characterData(char* p) {
   return close + 3;
 }
 
-// Keeps the count of lines right, which decoding in place changes.
-Decoded Parser::decode(char* text, char* odd, std::size_t length, Mode mode) {
-  const std::ptrdiff_t lines = countLines(odd, text + length);
-  const Decoded decoded = decoder_.decode(text, odd, length, mode);
-  if (lines != 0 || decoder_.movesLines()) {
-    lostLines_ += lines - countLines(odd, text + length);
+char* Parser::documentType(char* start) {
+  for (char* p = start + 9; peek(p) != '\0'; ++p) {
+    const char c = peek(p);
+    if (c == '>') {
+      return p + 1;
+    }
+    if (c == '[') {
+      return internalSubset(start, p + 1);
+    }
+    char* const close = c == '"' || c == '\'' ? find(p + 1, c) : p;
+    p = peek(close) == c ? close : p;
   }
-  return decoded;
+  return fail(start, "unclosed <!DOCTYPE");
 }
 
-char* Parser::fail(const char* place, std::string_view message, std::string_view argument) {
+char* Parser::internalSubset(char* p, char* start) {
   showLast();
-  const std::ptrdiff_t line = 1 + countLines(root_.s, place) + lostLines_;
+  if (doctype_ == nullptr) {
+    e_ = std::find(start, e_, '\0');
+    doctype_ = std::make_unique<Doctype>(root_, decoder_);
+  }
+  const char* const close = doctype_->subsetEnd(start, e_);
+  if (close == nullptr) {
+    return fail(p, "unclosed <!DOCTYPE");
+  }
+  const auto length = static_cast<std::size_t>(close - start);
+  const DoctypeError error = doctype_->read({start, length});
+  hideLast();
+  if (error.message != nullptr) {
+    return fail(error.place, error.message, error.argument);
+  }
+  return skipSpaces(start + length + 1) + 1;
+}
+
+// The XML declaration is looked at, other instructions are kept.
+char* Parser::instruction(char* p) {
+  char* const target = p + 2;
+  char* const close = closing(target, "?");
+  if (close == nullptr) {
+    return fail(p, "unclosed <?");
+  }
+  char* targetEnd = target;
+  while (targetEnd != close && !isSpace(*targetEnd)) {
+    ++targetEnd;
+  }
+  const std::string_view name(target, static_cast<std::size_t>(targetEnd - target));
+  char* const text = skipSpace(targetEnd, close);
+  if (name == "xml") {
+    if (!hasRoot() && saysStandalone({text, static_cast<std::size_t>(close - text)})) {
+      root_.standalone = 1;
+    }
+    return close + 2;
+  }
+  terminate(targetEnd);
+  *close = '\0';
+  instructions_.push_back({targets_.add(name), text});
+  return close + 2;
+}
+
+// Puts the instructions into the document's table. Those before the root stand before its name.
+void Parser::publishInstructions() {
+  for (std::size_t i = 0; i != targets_.size(); ++i) {
+    instructions_.push_back({i, nullptr});  // for the sides
+  }
+  root_.pi = root_.words.lists(targets_, instructions_);
+  for (const char*** list = root_.pi; *list != nullptr; ++list) {
+    const char** text = *list + 1;
+    std::string sides;
+    for (; *text != nullptr; ++text) {
+      sides += hasRoot() && root_.xml.name < *text ? '>' : '<';
+    }
+    text[1] = root_.texts.copy(sides.data(), sides.size());
+  }
+}
+
+char* Parser::fail(const char* place, std::string_view message, std::string_view argument,
+                   std::string_view behind) {
+  showLast();
+  const std::ptrdiff_t line = 1 + std::count<const char*>(root_.s, place, '\n') + lostLines_;
   std::string text = "[error near line " + std::to_string(line) + "]: ";
   text += message;
-  const std::size_t hole = text.find("%s");
-  if (hole != std::string::npos) {
-    text.replace(hole, 2, argument.substr(0, sizeof(root_.err)));
-  }
+  text += argument.substr(0, sizeof(root_.err));
+  text += behind;
   root_.err[text.copy(root_.err, sizeof(root_.err) - 1)] = '\0';
   hideLast();
-  failed_ = true;
   return nullptr;
 }
 
 }  // namespace onu::xml::internal
-
-namespace onu::xml {
-
-XmlRoot* parseStr(char* data, std::size_t length) {
-  internal::RootImpl* const root = internal::newRoot(data, length);
-  root->u = internal::utf8FromUtf16(data, length, &length);
-  if (root->u != nullptr) {
-    root->s = root->u;
-    root->e = root->s + length;
-  }
-  internal::Parser(*root).run();
-  return root;
-}
-
-}  // namespace onu::xml

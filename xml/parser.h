@@ -32,26 +32,21 @@ class Parser {
 
   // An element whose end tag is still to come.
   struct Open {
-    Open* outer;
     XmlNode* node;
     std::size_t nameLength;
-    std::size_t textLength;
-    std::size_t pieces;  // where in pieces_ its text starts that is not in one place
-    Node* lastChild;
-    XmlNode* lastGroup;  // first child of the newest name
-    std::size_t groups;  // names of its children, no more than one above kFewGroups
-    std::uint32_t seen;  // a bit for each of them, not necessarily its own
+    std::size_t textLength = 0;
+    std::size_t pieces = kNoPieces;  // where in pieces_ its text starts that is not in one place
+    Node* lastChild = nullptr;
+    XmlNode* lastGroup = nullptr;  // first child of the newest name
+    std::size_t groups = 0;        // names of its children, no more than one above kFewGroups
+    std::uint32_t seen = 0;        // a bit for each of them, not necessarily its own
   };
   struct Pair {
     const char* name;
     const char* value;
   };
-  struct Instructions {
-    const char* target;
-    std::vector<const char*> texts;
-    std::string sides;
-  };
 
+  bool failed() const { return root_.err[0] != '\0'; }
   bool hasRoot() const { return root_.xml.name != nullptr; }
   void hideLast() { *last_ = '\0'; }
   void showLast() { *last_ = lastByte_; }
@@ -71,47 +66,40 @@ class Parser {
   const char** attributeArray();
   char* endTag(char* p);
   char* behindEndTag(char* p, const char* name, std::size_t length) const;
-  char* behindOddEndTag(char* p);
   char* content(char* p);
+  char* oddContent(char* text, char* odd);
+  Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
   void appendText(char* text, std::size_t length);
   void appendPiece(const char* text, std::size_t length);
   void terminate(char* end);
   XmlNode* add(char* name, std::size_t length, const char** attributes);
   void link(Node* node, std::size_t length);
-  static void appendSame(Node* first, Node* node);
-  static Node* findGroup(XmlNode* first, const char* name, std::size_t length);
-  static void regroup(XmlNode* parent);
   void open(XmlNode* node, std::size_t nameLength);
   void close();
 
-  // parse.cc: the rest; other markup returns the place behind it
+  // parse.cc: the rest, for size; other markup returns the place behind it
   char* otherMarkup(char* p);
-  char* oddContent(char* text, char* odd);
+  char* behindOddEndTag(char* p);
   char* outsideContent(char* text);
   char* markupAt(char* p);
   char* declaration(char* p);
-  char* comment(char* p);
   char* characterData(char* p);
-  Decoded decode(char* text, char* odd, std::size_t length, Mode mode);
-  // The argument stands in for the "%s" of the message. Always nullptr.
-  char* fail(const char* place, std::string_view message, std::string_view argument = {});
-
-  // prolog.cc
   char* documentType(char* p);
   char* internalSubset(char* p, char* start);
   char* instruction(char* p);
   void publishInstructions();
+  // The message goes on with the argument and what is behind it. Always nullptr.
+  char* fail(const char* place, std::string_view message, std::string_view argument = {},
+             std::string_view behind = {});
 
   RootImpl& root_;
   char* e_;
   char* last_;
   char lastByte_;
-  bool failed_ = false;
   const char* stop_;              // where the data ended
   std::ptrdiff_t lostLines_ = 0;  // line feeds that decoding has overwritten so far
-  Open* top_ = nullptr;           // the innermost open element
-  Open* spare_ = nullptr;         // to be used again, each with the next as its outer one
-  Arena opens_;
+  std::vector<Open> opens_;
+  Open* top_ = nullptr;       // the innermost of them
   std::vector<char> pieces_;  // of their texts, the innermost one's on top
   char* piecesEnd_ = nullptr;
   char* piecesLimit_ = nullptr;          // kStep bytes can be written here yet
@@ -120,7 +108,7 @@ class Parser {
   std::vector<Pair> pairs_;              // attributes of that tag
   Decoder decoder_;
   std::unique_ptr<Doctype> doctype_;
-  std::vector<Instructions> instructions_;
+  std::vector<ListedText> instructions_;
   NameTable targets_;  // of them
 };
 
