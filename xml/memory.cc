@@ -88,23 +88,22 @@ char* Arena::copy(const char* from, std::size_t length) {
 }
 
 const char*** Arena::lists(const NameTable& names, const std::vector<ListedText>& texts) {
-  const char*** const table = array<const char**>(names.size() + 1);
-  std::vector<std::size_t> sizes(names.size(), 1);
+  const std::size_t count = names.size();
+  std::vector<std::size_t> sizes(count, 1);
   for (const ListedText& text : texts) {
     ++sizes[text.list];
   }
-  for (std::size_t i = 0; i != sizes.size(); ++i) {
+  const char*** const table = array<const char**>(count + 1);
+  table[count] = nullptr;
+  for (std::size_t i = 0; i != count; ++i) {
     table[i] = array<const char*>(sizes[i] + 1);
-    *table[i]++ = names.name(i).data();
+    table[i][sizes[i]] = nullptr;
+    table[i][0] = names.name(i).data();
+    sizes[i] = 1;
   }
   for (const ListedText& text : texts) {
-    *table[text.list]++ = text.text;
+    table[text.list][sizes[text.list]++] = text.text;
   }
-  for (std::size_t i = 0; i != sizes.size(); ++i) {
-    *table[i] = nullptr;
-    table[i] -= sizes[i];
-  }
-  table[sizes.size()] = nullptr;
   return table;
 }
 
@@ -119,7 +118,8 @@ RootImpl* newRoot(char* data, std::size_t length) {
   root->e = data + length;
   root->xml.attr = noAttributes();
   root->xml.txt = "";
-  root->ent = const_cast<const char**>(kPredefined);
+  std::memcpy(root->predefined, kPredefined, sizeof(kPredefined));
+  root->ent = root->predefined;
   root->attr = const_cast<const char***>(kNoLists);
   root->pi = const_cast<const char***>(kNoLists);
   return root;

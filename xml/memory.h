@@ -1,6 +1,7 @@
 // What a document owns behind its listed fields.
 #pragma once
 
+#include <iterator>
 #include <vector>
 
 #include "xml/names.h"
@@ -96,6 +97,7 @@ struct Node : XmlNode {
 };
 
 struct RootImpl : XmlRoot {
+  const char* predefined[std::size(kPredefined)];
   Arena words;                  // elements and arrays of pointers
   Arena texts;                  // what is not in the input
   std::vector<XmlNode*> loose;  // elements that were cut
