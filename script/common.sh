@@ -47,6 +47,11 @@ build_unit() (
     cat build/release.log >&2
     exit 1
   fi
-  [ "$1" = progress ] && options=() || options=(--quiet)
-  cmake --build --preset release --target onu-cgi onu-init optical-module -- "${options[@]}"
+  compile=(cmake --build --preset release --target onu-cgi onu-init optical-module)
+  if [ "$1" = progress ]; then
+    "${compile[@]}"
+  elif ! "${compile[@]}" >build/release.log 2>&1; then
+    cat build/release.log >&2
+    exit 1
+  fi
 )
