@@ -104,6 +104,7 @@ void rebootUnit(WebRequest& request) {
 void restoreDefaults(WebRequest& request) {
   replyBeforeWork(request.reply);
   run({"/bin/cp -f /var/tevo/xml_default/*.*  /etc/xml_params/",
+       // Not the folder just copied to: the main settings leave a second copy there.
        "rm -f /var/xml_params/tevo_xml_cfg_file.xml",
        "/bin/cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  "
        "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml",

@@ -15,7 +15,8 @@ enum class Write { kNever, kAlways, kIfChanged };
 
 // One settings file, parsed for one accessor call. A malformed file gives the part of the tree that
 // stands before the error; one that cannot be opened has no elements at all. Either is named on
-// standard error. A setter's file stays open: what was read is what is replaced.
+// standard error. A setter's file stays open where it can be written and is no link: what was read
+// is then what is replaced.
 class SettingsFile {
  public:
   explicit SettingsFile(const char* path, Write write = Write::kNever);
