@@ -34,7 +34,7 @@ def main():
     stages = STAGES if options.stages != ["owners"] else {"owners": owners.stage_owners}
     if unknown := set(options.stages) - set(stages):
         parser.error(f"no such stage: {', '.join(unknown)}")
-    signal.alarm(1800)
+    signal.alarm(3600)
     random.seed(options.seed)
     print(f"seed {options.seed}")
     wrong = 0
