@@ -125,7 +125,6 @@ std::string linkTarget(const std::string& link) {
   return (isAbsolute ? std::string() : link.substr(0, link.rfind('/') + 1)).append(target);
 }
 
-// Returns 0 or an error number.
 struct Release {
   void operator()(char* text) const { std::free(text); }
 };

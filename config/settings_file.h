@@ -15,7 +15,7 @@ enum class Write { kNever, kAlways, kIfChanged };
 
 // One settings file, parsed for one accessor call. A malformed file gives the part of the tree that
 // stands before the error; one that cannot be opened has no elements at all. Either is named on
-// standard error. A setter's file stays open: what was read is what is replaced.
+// standard error. A setter's file stays open until it is replaced, unless a link leads to it.
 class SettingsFile {
  public:
   explicit SettingsFile(const char* path, Write write = Write::kNever);
