@@ -57,8 +57,8 @@ struct PhyPortInfo {
 
 // The main settings file. Values are texts, numbers too. Every call reads the file anew and a
 // setter writes it back as a whole. All return 0, or -1 when the file cannot be opened or the
-// group of the value is missing; a single value that a getter does not find leaves its field as it
-// is. Writing is not checked.
+// group of the value is missing, a setter also without the element that it is to set; a single
+// value that a getter does not find leaves its field as it is. Writing is not checked.
 class ConfigData : public Accessor<ConfigData, kMainSettingsPath> {
  public:
   int getCommInfo(CommInfo& info) const;
@@ -95,10 +95,12 @@ class ConfigData : public Accessor<ConfigData, kMainSettingsPath> {
   // Writes only when the mode has changed.
   int setFecMode(const std::string& mode) const;
 
+  // -1 when there is none.
   int getSn(std::string& sn) const;
   // Writes only when the number has changed.
   int setSn(const std::string& sn) const;
 
+  // -1 when there is none; a LOID without a password leaves that as it is.
   int getLoid(LoidInfo& info) const;
   int setLoid(const LoidInfo& info) const;
 

@@ -22,12 +22,18 @@ SettingsFile::SettingsFile(const char* path, Write write)
   }
 }
 
-// As xml::parseFd does, with the length that is known already.
+// As xml::parseFd does, with the length that is known already. But a medium that fails half-way
+// gives nothing, as errno says: what it could read must not replace the rest.
 xml::XmlRoot* SettingsFile::parse() {
   const off_t length = opened_.state.st_size;
   const std::size_t size = length < PTRDIFF_MAX ? static_cast<std::size_t>(length) : 0;
   auto* const data = static_cast<char*>(std::malloc(size + 1));
+  errno = 0;
   const std::size_t got = data == nullptr ? 0 : readFully(opened_.file.get(), data, size);
+  if (got < size && errno != 0 && errno != EINTR) {
+    std::free(data);
+    return nullptr;
+  }
   xml::XmlRoot* const root = xml::parseStr(data, got);
   root->len = -1;  // the document releases the data
   return root;
@@ -64,14 +70,18 @@ void SettingsFile::setAttribute(xml::XmlNode* node, const char* name, const std:
 }
 
 int SettingsFile::save() const {
-  if (failed_) {
+  if (failed_ || !document_) {
     return -1;
   }
   if (changed_ || write_ == Write::kAlways) {
     if (*xml::error(document_.node()) != '\0') {
       complain({path_, " is rewritten without what stands behind its error"});
     }
-    isOpen_ ? saveXml(path_, opened_, document_.get()) : saveXml(path_, document_.get());
+    if (isOpen_) {
+      saveXml(path_, opened_, document_.get());
+    } else {
+      saveXml(path_, document_.get());
+    }
   }
   return 0;
 }
