@@ -8,6 +8,8 @@
 
 namespace onu::xml::internal {
 
+using std::string_view_literals::operator""sv;
+
 namespace {
 
 constexpr const char* kUnclosedList = "unclosed <!ATTLIST";
@@ -16,11 +18,11 @@ constexpr const char* kMalformedList = "malformed <!ATTLIST";
 // Behind the comment, instruction or quoted value that starts at p, p itself when none does,
 // nullptr when it has no end.
 const char* skipOpaque(const char* p, const char* e, bool inDeclaration) {
-  if (startsWith(p, e, "<!--")) {
-    return behindText(p + 4, e, "-->");
+  if (startsWith(p, e, "<!--"sv)) {
+    return behindText(p + 4, e, "-->"sv);
   }
-  if (startsWith(p, e, "<?")) {
-    return behindText(p + 2, e, "?>");
+  if (startsWith(p, e, "<?"sv)) {
+    return behindText(p + 2, e, "?>"sv);
   }
   if (inDeclaration && (*p == '"' || *p == '\'')) {
     return behindText(p + 1, e, {p, 1});
@@ -41,7 +43,7 @@ const char* findEnd(const char* p, const char* e, bool isCareful) {
       continue;
     }
     inDeclaration = *p == '<' || (inDeclaration && *p != '>');
-    if (*p++ == ']' && startsWith(skipSpace(p, e), e, ">")) {
+    if (*p++ == ']' && startsWith(skipSpace(p, e), e, ">"sv)) {
       return p - 1;
     }
   }
@@ -57,7 +59,7 @@ std::string keyOf(std::size_t list, std::string_view name) {
 bool attributeType(SubsetSource& source, Mode* mode) {
   *mode = Mode::kTokens;
   if (source.peek() != '(') {
-    const Token type = source.word("(>\"'#");
+    const Token type = source.word("(>\"'#"sv);
     if (type == "CDATA") {
       *mode = Mode::kAttribute;
     }
@@ -68,17 +70,17 @@ bool attributeType(SubsetSource& source, Mode* mode) {
       return false;
     }
   }
-  return source.accept("(") && source.upTo(")").data() != nullptr;
+  return source.accept("("sv) && source.upTo(")"sv).data() != nullptr;
 }
 
 // Reads what follows the type: into `value` a default, if it is one. False when it is nothing.
 bool defaultValue(SubsetSource& source, Token* value) {
-  if (source.accept("#FIXED")) {
+  if (source.accept("#FIXED"sv)) {
     if (!source.skipSpace()) {
       return false;
     }
   } else if (source.peek() == '#') {
-    return source.word(">").size() > 1;
+    return source.word(">"sv).size() > 1;
   }
   *value = source.quoted();
   return value->data() != nullptr;
@@ -113,16 +115,16 @@ Mode Doctype::attributeMode(std::size_t list, std::string_view name) const {
 }
 
 const char* Doctype::declaration(SubsetSource& source) {
-  if (source.accept("<!--")) {
-    return source.upTo("-->").data() != nullptr ? nullptr : "unclosed <!--";
+  if (source.accept("<!--"sv)) {
+    return source.upTo("-->"sv).data() != nullptr ? nullptr : "unclosed <!--";
   }
-  if (source.accept("<?")) {
-    return source.upTo("?>").data() != nullptr ? nullptr : "unclosed <?";
+  if (source.accept("<?"sv)) {
+    return source.upTo("?>"sv).data() != nullptr ? nullptr : "unclosed <?";
   }
-  if (source.accept("<!ATTLIST")) {
+  if (source.accept("<!ATTLIST"sv)) {
     return attributeList(source);
   }
-  const char* const message = source.accept("<!ENTITY") ? entity(source) : nullptr;
+  const char* const message = source.accept("<!ENTITY"sv) ? entity(source) : nullptr;
   source.skipDeclaration();
   return message;
 }
@@ -131,9 +133,9 @@ const char* Doctype::declaration(SubsetSource& source) {
 // first declaration does.
 const char* Doctype::entity(SubsetSource& source) {
   source.skipSpace();
-  const bool isParameter = source.accept("%");
+  const bool isParameter = source.accept("%"sv);
   source.skipSpace();
-  const Token name = source.word("\"'>");
+  const Token name = source.word("\"'>"sv);
   source.skipSpace();
   const Token value = source.quoted();
   if (name.empty() || value.data() == nullptr) {
@@ -159,16 +161,16 @@ const char* Doctype::attributeList(SubsetSource& source) {
   if (!source.skipSpace()) {
     return kUnclosedList;
   }
-  const Token element = source.word(">");
+  const Token element = source.word(">"sv);
   if (element.empty()) {
     return kMalformedList;
   }
   std::size_t list = NameTable::kNone;
   while (source.skipSpace()) {
-    if (source.accept(">")) {
+    if (source.accept(">"sv)) {
       return nullptr;
     }
-    const Token name = source.word(">/=");
+    const Token name = source.word(">/="sv);
     if (name.empty() || (source.peek() != '\0' && !isSpace(source.peek()))) {
       return kMalformedList;
     }

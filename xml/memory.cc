@@ -30,6 +30,9 @@ void releaseAttributes(const XmlNode& node) {
 // What the elements of a subtree own on the heap.
 void releaseAll(const XmlNode* top) {
   for (const XmlNode* node = top; node != nullptr; node = following(node, top)) {
+    if ((node->flags & (kNameAllocated | kTextAllocated | kOwnAttributes)) == 0) {
+      continue;  // as most
+    }
     if ((node->flags & kNameAllocated) != 0) {
       release(node->name);
     }

@@ -6,6 +6,8 @@
 
 namespace onu::xml::internal {
 
+using std::string_view_literals::operator""sv;
+
 namespace {
 
 // Whether an XML declaration's text, which is read as far as it holds pairs of a name and a quoted
@@ -97,18 +99,19 @@ char* Parser::behindOddEndTag(char* p) {
 }
 
 char* Parser::declaration(char* p) {
-  const auto saysThere = [this, p](std::string_view text) {
-    const char* at = p + 2;
-    return std::all_of(text.begin(), text.end(), [&](char c) { return peek(at++) == c; });
-  };
-  if (saysThere("--")) {
-    char* const close = closing(p + 4, "--");
-    return close == nullptr ? fail(p, "unclosed <!--") : close + 3;
+  const char c = peek(p + 2);
+  const std::string_view mark = c == '-' ? "--"sv : c == '[' ? "[CDATA["sv : "DOCTYPE"sv;
+  showLast();
+  const bool isIt = startsWith(p + 2, e_, mark);
+  hideLast();
+  if (!isIt) {
+    return fail(p, kUnexpected);
   }
-  if (saysThere("[CDATA[")) {
-    return characterData(p);
+  if (c != '-') {
+    return c == '[' ? characterData(p) : documentType(p);
   }
-  return saysThere("DOCTYPE") ? documentType(p) : fail(p, kUnexpected);
+  char* const close = closing(p + 4, mark);
+  return close == nullptr ? fail(p, "unclosed <!--") : close + 3;
 }
 
 char* Parser::characterData(char* p) {
@@ -116,7 +119,7 @@ char* Parser::characterData(char* p) {
     return fail(p, kOutside);
   }
   char* const text = p + 9;
-  char* const close = closing(text, "]]");
+  char* const close = closing(text, "]]"sv);
   if (close == nullptr) {
     return fail(p, "unclosed <![CDATA[");
   }
@@ -161,7 +164,7 @@ char* Parser::internalSubset(char* p, char* start) {
 // The XML declaration is looked at, other instructions are kept.
 char* Parser::instruction(char* p) {
   char* const target = p + 2;
-  char* const close = closing(target, "?");
+  char* const close = closing(target, "?"sv);
   if (close == nullptr) {
     return fail(p, "unclosed <?");
   }
