@@ -10,9 +10,11 @@ from unit import (OTHER_WORK, READS, SAVES, Request, document_state, error_page,
 
 # Replies for a file that can be read once and not a second time.
 TWO_READS = {"cmd_id=19": "2", "cmd_id=20": "2"}
+# No close: one that fails has closed all the same on Linux, but what strace lets fail does not take
+# place, and who waits for the end of that pipe waits for ever.
 OPENING = ["EMFILE", "ENOENT"]
 USUAL = {"open": OPENING, "openat": OPENING, "read": ["EIO"], "write": ["ENOSPC"],
-         "close": ["EIO"], "fsync": ["EIO"], "rename": ["EIO"], "flock": ["EIO"]}
+         "fsync": ["EIO"], "rename": ["EIO"], "flock": ["EIO"]}
 EVERYTHING = ["ENOSPC", "EIO", "EMFILE", "ENOENT"]
 
 

@@ -6,6 +6,7 @@ import glob
 import os
 import re
 import shutil
+import signal
 import socket
 import subprocess
 import time
@@ -138,14 +139,15 @@ class Request:
 
     def start(self, *tracer, **options):
         return subprocess.Popen([*tracer, CGI], env=self.environment, stdin=subprocess.PIPE,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                start_new_session=True, **options)
 
     def finish(self, child):
         try:
             reply, errors = child.communicate(self.body, timeout=20)
             return Outcome(reply.decode(), errors.decode(), child.returncode)
         except subprocess.TimeoutExpired:
-            child.kill()
+            os.killpg(child.pid, signal.SIGKILL)  # a tracer does not take with it what it traces
             child.communicate()
             return Outcome("", "", None)
 

@@ -18,8 +18,8 @@ TEST_F(Unit, WhatIsMissingIsLeft) {
   writeFile(kSettings,
             "<c><commInfo><vendor>v</vendor><onu_id>i</onu_id></commInfo>"
             "<vlan><port default_vid='1' mode='2' vid_sum='3' vid_serial='4'>0</port><other/>"
-            "<port default_vid='5'>1</port><port default_vid='6' mode='7'>2</port></vlan>"
-            "<switch><port mode='8'>3</port></switch></c>");
+            "<port default_vid='5'>1</port><port default_vid='6' mode='7' vid_serial=''>2</port>"
+            "</vlan><switch><port mode='8'>3</port></switch></c>");
   CommInfo comm{"-", "-", "-", "-"};
   EXPECT_EQ(ConfigData::getInstance().getCommInfo(comm), 0);
   EXPECT_EQ(comm.vendor + comm.model + comm.softwareVersion + comm.onu_id, "v--i");
@@ -28,7 +28,7 @@ TEST_F(Unit, WhatIsMissingIsLeft) {
   ConfigData::getInstance().getPorts(vlan, phy);
   ASSERT_EQ(vlan.size(), 3U);
   EXPECT_EQ(vlan[1].port + vlan[1].mode, "12") << "goes on";
-  EXPECT_EQ(vlan[2].port + vlan[2].mode + vlan[2].vid_sum + vlan[2].vid_serial, "2734");
+  EXPECT_EQ(vlan[2].port + vlan[2].mode + vlan[2].vid_sum + vlan[2].vid_serial, "273");
   ASSERT_EQ(phy.size(), 2U) << "is added to";
   EXPECT_EQ(phy[1].port + phy[1].mode + phy[1].auto_neg, "38");
 }

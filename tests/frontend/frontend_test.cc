@@ -64,6 +64,10 @@ TEST_F(Unit, RequestsAreReadFromTheEnvironment) {
       "exec 9</tmp; /usr/bin/flock 9; { sleep 1; echo first; } & exec 9<&-; ";
   const Outcome waited = run(locked + kCgi, get("cmd_id=19&pwdold=b&pwdnew=c"));
   EXPECT_EQ(waited.out + waited.err, "first\n" + json("0"));
+  // Then nobody else gets it, not even to share it.
+  writeFile("/var/tevo/export_xml.sh", "/usr/bin/flock -nsE 9 /tmp true; echo $? >/tmp/status\n");
+  run(locked + kCgi, get("cmd_id=10"));
+  EXPECT_EQ(readFile("/tmp/status"), "9\n");
 }
 
 TEST(Query, IsSearchedAsPlainText) {

@@ -64,8 +64,9 @@ TEST_F(Unit, UploadsAreStoredUnchanged) {
   for (std::size_t start = kBlock - almost.size() - 2; start <= kBlock + 1; ++start) {
     const std::string data = binary(start - head);
     expectStored(multipart(data), data);
-    const std::string like = data + almost.substr(0, almost.size() - 1) + "?";
+    const std::string like = data + almost.substr(0, almost.size() - 1) + "?" + binary(kBlock);
     expectStored(multipart(like), like);
+    expectStored(part(kBoundary, std::string(start - head + 12, 'n'), "data") + kEnd, "data");
   }
 }
 

@@ -34,6 +34,7 @@ TEST(Errors, LeaveWhatWasRead) {
       {"x\0<"sv, "none", "root tag missing"},
       {"<a></ab>", "a''", "unexpected closing tag </ab>"},
       {"<a></b>0123456789abcdef", "a''", "unexpected closing tag </b>"},
+      {"\xFE\xFF\0<\0a\0>\0<\0/\xD8\x3D\xDE\0"sv, "a''", "unexpected closing tag </😀>"},
       {"<abc>x</a", "abc'x'", "unexpected closing tag </a>"},
       {"<abc>x</abc", "abc'x'", "missing >"},
       {"<a></a b>", "a''", "missing >"},
@@ -43,6 +44,7 @@ TEST(Errors, LeaveWhatWasRead) {
       {"</a>", "none", "markup outside of root element"},
       {"<![CDATA[x]]><a/>", "none", "markup outside of root element"},
       {"<a/><b/>", "a''", "markup outside of root element"},
+      {"<a/><![CDATA[x]]>", "a''", "markup outside of root element"},
       {"<a/> t", "a''", "markup outside of root element"},
       {"<a>x<b>1</b>y<c>z", "a'xy'[b'1'@1][c''@2]", "unclosed tag <c>"},
       {"<a>x<!-->->", "a'x'", "unclosed <!--"},
@@ -84,6 +86,7 @@ TEST(Prefixes, OfEveryLengthAreSafe) {
     const bool isComplete = length + 8 == whole.size() || length + 1 >= whole.size();
     EXPECT_EQ((document->err[0] == '\0'), isComplete) << length;
     EXPECT_EQ(written(Parsed(text).node()), text);
+    EXPECT_EQ(document->len, static_cast<std::ptrdiff_t>(length));
   }
   const Parsed document(whole);
   EXPECT_EQ(written(document.node()),

@@ -46,8 +46,12 @@ TEST(Write, Escapes) {
   const std::string text = tag + "&#xD;\n\t\"]]&gt;</a>";
   EXPECT_EQ(written(document.node()), text);
   EXPECT_EQ(written(Parsed(text).node()), text);
-  const std::string many(60, '&');
-  EXPECT_EQ(written(setText(document.node(), many.c_str())), tag + numbered(60, "&amp;") + "</a>");
+  // References alone and behind other bytes, wherever there is no more room for either.
+  for (std::string start; start.size() < 25; start += 'x') {
+    const std::string many = start + numbered(300, "0123456789abcde&&");
+    const std::string want = tag + start + numbered(300, "0123456789abcde&amp;&amp;") + "</a>";
+    EXPECT_EQ(written(setText(document.node(), many.c_str())), want);
+  }
 }
 
 TEST(Edit, Texts) {
