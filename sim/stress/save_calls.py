@@ -15,7 +15,7 @@ EXPORT = "/var/tevo/website/www/xml/xml_config.tar"
 def calls_of_a_save(query):
     """The calls from the first opening of a settings file for writing on: name, number among those
     of its name, whether a new file was begun before. Those that get memory or write the reply are
-    left out."""
+    left out, and so is a close, as in calls.USUAL."""
     trace = "/record/trace"
     Request(query).run("/usr/bin/strace", "-qq", "-o", trace)
     counts, calls, opened, saving = collections.Counter(), [], False, False
@@ -23,7 +23,7 @@ def calls_of_a_save(query):
         call = line.partition("(")[0]
         counts[call] += 1
         opened = opened or re.search(r'\.xml", O_(WR|RDWR)', line)
-        other = r"mmap|munmap|brk|exit|wait|clone|v?fork|rt_|---|\+\+\+|write\(1,"
+        other = r"mmap|munmap|brk|close|exit|wait|clone|v?fork|rt_|---|\+\+\+|write\(1,"
         if opened and not re.match(other, line):
             calls.append((call, counts[call], saving))
         saving = saving or opened and "O_CREAT" in line
