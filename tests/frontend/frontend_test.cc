@@ -95,6 +95,7 @@ TEST(Query, IsSearchedAsPlainText) {
         std::to_string(query.commandNumber) + " " + std::to_string(query.action);
     EXPECT_EQ(name.empty() ? numbers : getParam(query, name), want) << name << " in " << text;
     EXPECT_EQ(query.text + getParam(query, ""), text);
+    EXPECT_EQ((parseQuery(query, ""), query.text), text);
   }
 }
 

@@ -105,7 +105,8 @@ TEST(Heap, RefusesWhatCannotBe) {
   EXPECT_EQ(posix_memalign(&block, 48, 100), ENOMEM) << "no power of two";
   EXPECT_EQ(posix_memalign(&block, 64, 100), 0);
   std::strcpy(static_cast<char*>(block), "unchanged");
-  for (const std::size_t size : {SIZE_MAX, SIZE_MAX - 31, SIZE_MAX / 2 + 1, SIZE_MAX / 2 - 4095}) {
+  for (const std::size_t size :
+       {SIZE_MAX, SIZE_MAX - 31, SIZE_MAX / 2 + 1, SIZE_MAX / 2 - 4095, SIZE_MAX / 2 - kMiB}) {
     errno = 0;
     EXPECT_EQ(malloc(size), nullptr) << size;
     EXPECT_EQ(errno, ENOMEM);

@@ -28,6 +28,7 @@ TEST(Subset, Declares) {
        "<a b=\"1\" c=\"4\"><b></b></a>"},
       {"<!ATTLIST a b CDATA ' 1  2 ' c (p|q) ' 1  2 ' d NOTATION (n) ' &#49;  2 '>]><a/>",
        "<a b=\" 1  2 \" c=\"1 2\" d=\"1 2\"></a>"},
+      {"<!ATTLIST a b () ' 1  2 '>]><a/>", "<a b=\"1 2\"></a>"},
       {"<!ATTLIST a b CDATA '' c ID ''>]><a b=' 1\n\t2 ' c=' 1\n\t2 '><b c=' 3 '/></a>",
        "<a b=\" 1  2 \" c=\"1 2\"><b c=\" 3 \"></b></a>"},
       {"<!ENTITY e '1'>]><!DOCTYPE a [<!ENTITY e '3'><!ENTITY f '&e;2'>]>"
@@ -114,6 +115,7 @@ TEST(Instructions, KeepTheirSideAndTarget) {
   EXPECT_STREQ(document->pi[0][5], "<<>");
   EXPECT_EQ(document->standalone, 0);
   EXPECT_EQ(Parsed("<?xml standalone='nay'?><a/>")->standalone, 0);
+  EXPECT_EQ(Parsed("<?xml version='1.0'?><a/>")->standalone, 0);
 }
 
 }  // namespace onu::xml

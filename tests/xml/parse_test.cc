@@ -34,6 +34,7 @@ TEST(Errors, LeaveWhatWasRead) {
       {"x\0<"sv, "none", "root tag missing"},
       {"<a></ab>", "a''", "unexpected closing tag </ab>"},
       {"<a></b>0123456789abcdef", "a''", "unexpected closing tag </b>"},
+      {"<abcdefghi></abcd_fghi> ", "abcdefghi''", "unexpected closing tag </abcd_fghi>"},
       {"\xFE\xFF\0<\0a\0>\0<\0/\xD8\x3D\xDE\0"sv, "a''", "unexpected closing tag </😀>"},
       {"<abc>x</a", "abc'x'", "unexpected closing tag </a>"},
       {"<abc>x</abc", "abc'x'", "missing >"},
