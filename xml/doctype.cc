@@ -8,7 +8,7 @@
 
 namespace onu::xml::internal {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 namespace {
 
