@@ -7,6 +7,8 @@
 #include "base/fd.h"
 #include "base/message.h"
 #include "base/number.h"
+#include "base/text.h"
+#include "config/paths.h"
 #include "device/shell.h"
 #include "frontend/upload.h"
 
@@ -14,8 +16,12 @@ namespace onu {
 namespace {
 
 constexpr const char* kReboot = "/sbin/reboot";
-constexpr const char* kTakeMainSettings =
-    "cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/tevo_xml_cfg_file.xml";
+constexpr auto kTakeArchive = join("mv ", kUploadPath, " /tmp/xml_in.tar");
+constexpr auto kTakeMainSettings =
+    join("cp -f /tmp/xml_config/tevo_xml_cfg_file.xml  ", kMainSettingsPath);
+constexpr auto kRestoreMainSettings =
+    join("/bin/cp -f ", kFactorySettingsPath, "  ", kMainSettingsPath);
+constexpr auto kTakeFiles = join("mv ", kUploadPath, "  /tmp/jffs2_fs.tar.gz");
 
 void run(std::initializer_list<const char*> commands) {
   for (const char* const command : commands) {
@@ -76,9 +82,8 @@ void flash(const Image& image) {
 // The archive holds files of the writable file system. The script unpacks it and decides what comes
 // then.
 void upgradeFiles() {
-  run({"rm -rf /tmp/jffs2_fs.tar.gz", "rm -r /tmp/jffs2_fs.tar.gz",
-       "mv /tmp/recFile  /tmp/jffs2_fs.tar.gz", "cp /tmp/jffs2_fs.tar.gz  /var/",
-       "/var/tevo/upgrade.sh"});
+  run({"rm -rf /tmp/jffs2_fs.tar.gz", "rm -r /tmp/jffs2_fs.tar.gz", kTakeFiles.data(),
+       "cp /tmp/jffs2_fs.tar.gz  /var/", "/var/tevo/upgrade.sh"});
 }
 
 }  // namespace
@@ -90,7 +95,7 @@ void exportConfiguration(WebRequest& request) {
 void importConfiguration(WebRequest& request) {
   replyAfterWork(
       request.reply,
-      {"mv /tmp/recFile /tmp/xml_in.tar", "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings,
+      {kTakeArchive.data(), "tar -xf /tmp/xml_in.tar -C /tmp/ ", kTakeMainSettings.data(),
        "cp -rf /tmp/xml_config/*.*  /etc/xml_params/",
        // The main settings have their place with the pages; no second copy is to stay behind.
        "rm -rf /etc/xml_params/tevo*.*", "rm -rf /tmp/xml_config", "rm -f /tmp/xml_in.tar"});
@@ -105,10 +110,7 @@ void restoreDefaults(WebRequest& request) {
   replyBeforeWork(request.reply);
   run({"/bin/cp -f /var/tevo/xml_default/*.*  /etc/xml_params/",
        // Not the folder just copied to: the main settings leave a second copy there.
-       "rm -f /var/xml_params/tevo_xml_cfg_file.xml",
-       "/bin/cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  "
-       "/var/tevo/website/www/xml/tevo_xml_cfg_file.xml",
-       kReboot});
+       "rm -f /var/xml_params/tevo_xml_cfg_file.xml", kRestoreMainSettings.data(), kReboot});
 }
 
 void upgradeFirmware(WebRequest& request) {

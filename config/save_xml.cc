@@ -133,7 +133,10 @@ struct Release {
 
 bool OpenSettings::open(const char* path, int flags) {
   file = Fd::open(path, flags | O_NOFOLLOW);
-  return file && ::fstat(file.get(), &state) == 0;
+  if (file && ::fstat(file.get(), &state) != 0) {
+    file = Fd();
+  }
+  return static_cast<bool>(file);
 }
 
 void saveXml(const char* path, const xml::XmlRoot* document) {
@@ -141,16 +144,13 @@ void saveXml(const char* path, const xml::XmlRoot* document) {
   constexpr int kFlags = O_WRONLY | O_CREAT;
   std::string target = path;  // the file itself, behind any symbolic link
   OpenSettings opened;
-  bool isOpen = opened.open(path, kFlags);
-  for (int link = 0; !isOpen && errno == ELOOP && link < kMostLinks; ++link) {
+  for (int link = 0; !opened.open(target.c_str(), kFlags); ++link) {
+    if (errno != ELOOP || link == kMostLinks) {
+      return complainOfSave(target, errno);
+    }
     target = linkTarget(target);
-    isOpen = opened.open(target.c_str(), kFlags);
   }
-  if (isOpen) {
-    saveXml(target.c_str(), opened, document);
-  } else {
-    complainOfSave(target, errno);
-  }
+  saveXml(target.c_str(), opened, document);
 }
 
 void saveXml(const char* path, const OpenSettings& opened, const xml::XmlRoot* document) {

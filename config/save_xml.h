@@ -12,8 +12,9 @@ struct OpenSettings {
   Fd file;
   struct stat state {};
 
-  // False when the file cannot be opened or looked at, errno says why. Opens nothing behind a
-  // symbolic link. `flags` are those of open(2) and must allow writing; nothing is truncated.
+  // False, and `file` none, when the file cannot be opened or looked at; errno says why. Opens
+  // nothing behind a symbolic link. `flags` are those of open(2) and must allow writing; nothing is
+  // truncated.
   bool open(const char* path, int flags);
 };
 

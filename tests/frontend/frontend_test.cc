@@ -95,7 +95,8 @@ TEST(Query, IsSearchedAsPlainText) {
         std::to_string(query.commandNumber) + " " + std::to_string(query.action);
     EXPECT_EQ(name.empty() ? numbers : getParam(query, name), want) << name << " in " << text;
     EXPECT_EQ(query.text + getParam(query, ""), text);
-    EXPECT_EQ((parseQuery(query, ""), query.text), text);
+    parseQuery(query, "");
+    EXPECT_EQ(query.text, text) << "an empty text leaves the query";
   }
 }
 
