@@ -25,7 +25,6 @@ std::int32_t toNumber(std::string_view text) {
     magnitude = magnitude * 10 + (text[at] - '0');
     if (magnitude >= kLimit) {
       magnitude = negative ? kLimit : kLimit - 1;
-      break;
     }
   }
   return static_cast<std::int32_t>(negative ? -magnitude : magnitude);

@@ -51,7 +51,6 @@ std::string dottedVersion(std::string_view value) {
     }
     version.push_back(value[at]);
   }
-  version.resize(std::min(version.size(), kLongest));
   return version;
 }
 
