@@ -31,6 +31,14 @@ TEST_F(Unit, WhatIsMissingIsLeft) {
   EXPECT_EQ(vlan[2].port + vlan[2].mode + vlan[2].vid_sum + vlan[2].vid_serial, "273");
   ASSERT_EQ(phy.size(), 2U) << "is added to";
   EXPECT_EQ(phy[1].port + phy[1].mode + phy[1].auto_neg, "38");
+
+  const ProfileData& profile = ProfileData::getInstance();
+  std::string text = "-";
+  EXPECT_EQ(profile.getLoopDetect("9", text), -1);
+  writeFile(kProfile, "<p><Vendor/></p>");
+  VendorInfo vendor{"-", "-", "-", "-"};
+  EXPECT_EQ(profile.getVendorInfo(vendor) + profile.getFirmwareVersion(text), 0);
+  EXPECT_EQ(vendor.vendor + vendor.model + vendor.hwVersion + vendor.swVersion + text, "-----");
 }
 
 // The results of getters, and of setters with an empty text.
@@ -42,18 +50,18 @@ std::vector<int> results(int (Data::*... accessors)(Record&) const) {
 TEST_F(Unit, ResultsAreThePromisedOnes) {
   const auto all = [] {
     return results(&ConfigData::getCommInfo, &ConfigData::getFec, &ConfigData::getLoid,
-                   &ConfigData::getPhyPorts, &ConfigData::getVlanPorts, &OmciData::getOmciLoid,
-                   &OmciData::getPortIsolation, &OmciData::setPortIsolation,
+                   &ConfigData::getPhyPorts, &ConfigData::getSn, &ConfigData::getVlanPorts,
+                   &OmciData::getOmciLoid, &OmciData::getPortIsolation, &OmciData::setPortIsolation,
                    &PonSerialData::getPonSerialSrc, &TpmData::getMtu, &TpmData::getQueueWeights,
                    &TpmData::setFlowControl, &TpmData::setSchedMethod,
                    &ProfileData::getMulticastGroupNum, &ProfileData::getMulticastSwitch,
                    &ProfileData::getVendorInfo, &ProfileData::getChipInfo,
                    &ProfileData::getFirmwareVersion, &ProfileData::getCapability);
   };
-  EXPECT_EQ(all(), std::vector<int>(19, 0));
+  EXPECT_EQ(all(), std::vector<int>(20, 0));
   std::filesystem::remove_all("/etc/xml_params");
   std::filesystem::remove(kSettings);
-  EXPECT_EQ(all(), std::vector<int>(19, -1));
+  EXPECT_EQ(all(), std::vector<int>(20, -1));
 }
 
 TEST_F(Unit, OnuTypesHaveNames) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "base/number.h"
 #include "frontend/cgi_log.h"
 #include "frontend/query.h"
 #include "frontend/response.h"
@@ -103,6 +104,7 @@ TEST(Query, IsSearchedAsPlainText) {
 // What no request shows.
 TEST(FrontEnd, KeepsItsPromises) {
   ::clearenv();
+  ::setenv("QUERY_STRING", "abc", 1);
   WebDataComm& web = WebDataComm::getInstance();
   std::uint32_t length = 0;
   RequestMethod method{};
@@ -111,6 +113,16 @@ TEST(FrontEnd, KeepsItsPromises) {
   EXPECT_EQ(web.readRequestMethod(length, method), -1);
   EXPECT_EQ(web.readContentType(type), -1);
   EXPECT_EQ(web.readRequestText(text), -1);
+  ::setenv("REQUEST_METHOD", "GET", 1);
+  EXPECT_EQ(web.readRequestMethod(length, method) + web.readRequestText(text), 0);
+  EXPECT_EQ(std::to_string(length) + text, "3abc");
+  for (const auto& [value, kind] : {std::pair("multipart/form-dXXX", ContentType::kMultipart),
+                                    std::pair("multipart/form-", ContentType::kForm)}) {
+    ::setenv("CONTENT_TYPE", value, 1);
+    EXPECT_EQ(web.readContentType(type), 0);
+    EXPECT_EQ(type, kind) << value;
+  }
+  EXPECT_EQ(toNumber(std::string_view(" 123", 3)) + toNumber(std::string_view("  -5", 2)), 12);
 
   testing::internal::CaptureStdout();
   ResponseWriter().printContentType("");

@@ -56,6 +56,7 @@ TEST_F(Unit, UploadsAreStoredUnchanged) {
   expectStored(part(line, "a", half) + "\r\n--" + line + "--\r\n", half);
   expectStored(std::string(5000, '-'), "");
   expectStored(part(kBoundary, std::string(3000, 'n'), "data") + kEnd, "data");
+  expectStored("--b\r\nfilename=\"f\"\r\nX\n\r\n\r\r\n\r\ndata\r\n--b--", "data");
 
   // The end of the data, or what looks like it, at every place around the end of a block.
   const std::size_t head = part(kBoundary, "image.bin", "").size();
