@@ -33,7 +33,7 @@ std::string vlanCommand(const VlanPortInfo& port) {
 
 void sendVlan(WebRequest& request) {
   std::vector<VlanPortInfo> ports;
-  if (ConfigData::getInstance().getVlanPorts(ports) == -1 || ports.empty()) {
+  if (ConfigData::getInstance().getVlanPorts(ports) == -1) {
     return request.reply.sendJsonResponse("[]");
   }
   const VlanPortInfo& port = ports.front();

@@ -76,10 +76,10 @@ TEST_F(Unit, Command25MacAging) {
       {{"cmd_id=25", "{aging_time:\"300\"}"},
        {set + "300", " 0", kRun, "", eoam(line + "300")},
        {set + kOdd.text, " 0", "tevo " + kRun, "300|" + kOdd.asAttribute, eoam(line + kOdd.text)}});
-  check({{"cmd_id=25", "{aging_time:\"8\"}"}},
-        {{"tevo",
-          "<c><mac_aging_time><eth_port>0</eth_port><eth_port time='9'>1</eth_port>"
-          "<eth_port time='8'>0</eth_port><eth_port time='7'>0</eth_port></mac_aging_time></c>"}});
+  check({{"cmd_id=25", "{aging_time:\"8\"}"},
+         {set + "9", " 0", "tevo " + kRun, "port>0|port time=\"9\">0", eoam(line + "9")}},
+        {{"tevo", R"(<c><mac_aging_time><eth_port>0</eth_port><eth_port time="9">1</eth_port>
+<eth_port time="8">0</eth_port><eth_port time="7">0</eth_port></mac_aging_time></c>)"}});
 }
 
 }  // namespace onu::test

@@ -25,6 +25,8 @@ TEST_F(Unit, Command2UnitInformation) {
       "onu-cgi: command 2: value of onu_mac is shorter than 14 characters: it has 13\n";
   EXPECT_EQ((outcome.out + outcome.err).substr(0, named.size()), named);
   EXPECT_EQ(outcome.status, 1);
+  writeFile(kSettings, "<c><ipInfo><onu_mac>00112233445566</onu_mac></ipInfo></c>");
+  EXPECT_EQ(cgi(get("cmd_id=2")).err, "") << "long enough";
 }
 
 // What the profile has in hexadecimal, with no length or digit to rely on, and the driver's file,
@@ -41,7 +43,7 @@ TEST_F(Unit, Command2ProfileAndLink) {
             "[abcdActive B C D E F]\n", "E", "1"},
            {"0xFFfEaBcc", "2255/254/171", "FFfEaBcc", "FF.fE.aB.cc",
             "x\n[abcdactive B C D E F G]\n", "E", "0"},
-           {"0x190929", "2025/09/41", "190929", "19.09.29",
+           {"0x190a29", "2025/10/41", "190a29", "19.0a.29",
             "[abcdAct B C D E F]\n[abcd  ive 2 3 4 5]\n", "E5", "1"},
            {"0x1g05-1", "2001/05/00", "1g05-1", "1g.05.-1", "[abcdActive B C]\n", "", "1"},
            {"0x130", "2019/00/00", "130", "13.0", "", "", "0"},

@@ -19,10 +19,13 @@ TEST_F(Unit, WhatIsMissingIsLeft) {
             "<c><commInfo><vendor>v</vendor><onu_id>i</onu_id></commInfo>"
             "<vlan><port default_vid='1' mode='2' vid_sum='3' vid_serial='4'>0</port><other/>"
             "<port default_vid='5'>1</port><port default_vid='6' mode='7' vid_serial=''>2</port>"
-            "</vlan><switch><port mode='8'>3</port></switch></c>");
+            "</vlan><switch><port mode='8'>3</port></switch><onu><fec_ability/></onu></c>");
   CommInfo comm{"-", "-", "-", "-"};
   EXPECT_EQ(ConfigData::getInstance().getCommInfo(comm), 0);
   EXPECT_EQ(comm.vendor + comm.model + comm.softwareVersion + comm.onu_id, "v--i");
+  FecInfo fec{"-", "-"};
+  EXPECT_EQ(ConfigData::getInstance().getFec(fec), -1);
+  EXPECT_EQ(fec.fec_mode + fec.fec_ability, "--");
   std::vector<VlanPortInfo> vlan(1);
   std::vector<PhyPortInfo> phy(1);
   ConfigData::getInstance().getPorts(vlan, phy);
@@ -39,6 +42,9 @@ TEST_F(Unit, WhatIsMissingIsLeft) {
   VendorInfo vendor{"-", "-", "-", "-"};
   EXPECT_EQ(profile.getVendorInfo(vendor) + profile.getFirmwareVersion(text), 0);
   EXPECT_EQ(vendor.vendor + vendor.model + vendor.hwVersion + vendor.swVersion + text, "-----");
+  writeFile(kProfile, "<p><Vendor><attrib name='x' value='y'/></Vendor></p>");
+  EXPECT_EQ(profile.getFirmwareVersion(text), 0);
+  EXPECT_EQ(text, "") << "entries without one";
 }
 
 // The results of getters, and of setters with an empty text.

@@ -86,7 +86,7 @@ TEST(Query, IsSearchedAsPlainText) {
            {"", "", "-7 -8"},
            {"cmd_id=&action=1", "", "-7 1"},
            {"xcmd_id=12abc&transaction=abc&action=1", "", "12 0"},
-           {"cmd_id= \t+4&action=-2", "", "4 -2"},
+           {"cmd_id= \t+4/&action=-2:", "", "4 -2"},
            {"cmd_id=2147483648&action=2147483647", "", "2147483647 2147483647"},
            {"cmd_id=4294967304&action=-99999999999999999999", "", "2147483647 -2147483648"},
        }) {

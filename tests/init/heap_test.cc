@@ -79,6 +79,8 @@ TEST(Heap, GrowsTheLastBlockInPlaceAndReturnsAreas) {
   EXPECT_EQ(malloc(200000), block);
 
   void* const small = malloc(kMiB / 32);
+  free(small);
+  EXPECT_EQ(malloc(kMiB / 32), small);
   EXPECT_EQ(realloc(small, kMiB / 64), small);
   void* const large = std::memset(realloc(small, 3 * kMiB), 1, 3 * kMiB);
   EXPECT_EQ(realloc(large, 3 * kMiB + 1000), large);
