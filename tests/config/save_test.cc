@@ -57,6 +57,9 @@ TEST_F(Saves, KeepWhatCannotBeWritten) {
   fs::permissions(kSettings, fs::perms::owner_read);
   expectKept(std::string(kSettings) + ": Permission denied\n");
   fs::permissions(kSettings, fs::perms::owner_all);
+  const Outcome tooLarge = run(std::string("ulimit -f 16; ") + kCgi,
+                               get("cmd_id=20&pwdold=user&pwdnew=" + std::string(65536, 'p')));
+  EXPECT_EQ(tooLarge.out + readFile(kSettings), json("0") + before_) << tooLarge.err;
 
   const fs::path folder = fs::path(kSettings).parent_path();
   fs::permissions(folder, fs::perms(0555));
