@@ -91,6 +91,8 @@ TEST_F(Unit, Command30StormLimit) {
        toQueue + "tevo ", port("0", "1&#xA;2"), limit("1 1\n2", queue)},
       {set + "b0&bs_thresh=" + kOdd.text, "0", "tevo ", port("b0", kOdd.asAttribute)},
   });
+  check({{"cmd_id=30", R"([{bc_mode:"1",rate:""}])"}},
+        {{"tevo", "<c><storm><port mode='1'/></storm></c>"}});
 }
 
 }  // namespace onu::test

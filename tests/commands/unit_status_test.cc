@@ -41,7 +41,7 @@ TEST_F(Unit, Command2ProfileAndLink) {
        std::vector<std::array<std::string, 7>>{
            {"0x130514", "2019/05/20", "130514", "13.05.14",  //
             "[abcdActive B C D E F]\n", "E", "1"},
-           {"0xFFfEaBcc", "2255/254/171", "FFfEaBcc", "FF.fE.aB.cc",
+           {"0xFFfEABcc", "2255/254/171", "FFfEABcc", "FF.fE.AB.cc",
             "x\n[abcdactive B C D E F G]\n", "E", "0"},
            {"0x190a29", "2025/10/41", "190a29", "19.0a.29",
             "[abcdAct B C D E F]\n[abcd  ive 2 3 4 5]\n", "E5", "1"},

@@ -34,6 +34,9 @@ TEST_F(Unit, WhatIsMissingIsLeft) {
   EXPECT_EQ(vlan[2].port + vlan[2].mode + vlan[2].vid_sum + vlan[2].vid_serial, "273");
   ASSERT_EQ(phy.size(), 2U) << "is added to";
   EXPECT_EQ(phy[1].port + phy[1].mode + phy[1].auto_neg, "38");
+  writeFile(kSettings, "<c><vlan><port/></vlan><switch><port/></switch></c>");
+  ConfigData::getInstance().getPorts(vlan, phy);
+  EXPECT_EQ(std::to_string(vlan.size()) + std::to_string(phy.size()), "03") << "each for itself";
 
   const ProfileData& profile = ProfileData::getInstance();
   std::string text = "-";

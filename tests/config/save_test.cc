@@ -44,7 +44,7 @@ TEST_F(Saves, ReplaceTheFileThatALinkNames) {
   fs::rename(kSettings, "/etc/elsewhere/settings");
   fs::create_symlink("/etc/elsewhere/settings", std::string(kSettings) + ".link");
   fs::create_symlink(fs::path(kSettings).filename().string() + ".link", kSettings);
-  writeFile("/etc/elsewhere/.onu-save", "left by a killed writer");
+  writeFile("/etc/elsewhere/.onu-save", std::string(9999, 'x'));  // left by a killed writer
   const std::string old = before_;
   expectChanged();
   EXPECT_TRUE(fs::is_symlink(kSettings));
