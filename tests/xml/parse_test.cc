@@ -83,9 +83,8 @@ TEST(Prefixes, OfEveryLengthAreSafe) {
   const std::string_view whole =
       "<?xml version = '1.0' standalone=\"yes\"?>\n<!DOCTYPE a [<!ENTITY e \"&#38;\tv\">"
       "<!ENTITY % p '<!ATTLIST a k CDATA \"&e;\">'>%p;<!ATTLIST b l (p|q) #FIXED ' p ' "
-      "m NOTATION (n) #IMPLIED><!-- ] --><?x ]?>]>\n<a m=\"1\" n='&e;\r\n'>t&e;\r<b l=\" r "
-      "\"/>u<![CDATA[v]]><!-- w "
-      "--><c>&#233;</c></a><?p q?> ";
+      "m NOTATION (n) #IMPLIED><!-- ] --><?x ]?>]>\n<a m=\"1\" n='&e;\r\n'>t&e;\r"
+      "<b l=\" r \"/>u<![CDATA[v]]><!-- w --><c>&#233;</c></a><?p q?> ";
   for (std::size_t length = 0; length <= whole.size(); ++length) {
     const Parsed document(whole.substr(0, length));
     const std::string text = written(document.node());
@@ -138,8 +137,8 @@ TEST(Depth, IsNoMatterOfStack) {
 
 TEST(Files, AreReadByEveryEntryPoint) {
   close(STDIN_FILENO);  // so that 0 is a descriptor like any other
-  for (const std::size_t length : {1U, 1016U, 1017U, 1018U, 3000000U}) {
-    const std::string text = "<a>" + std::string(length, 'x') + "</a>";
+  for (const std::size_t length : {1U, 258U, 1008U, 1009U, 1010U, 3000000U}) {
+    const std::string text = "<a>y<b></b>" + std::string(length, 'x') + "</a>";
     const int fd = memfd_create("file", 0);
     EXPECT_EQ(pwrite(fd, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
     const std::string path = "/proc/self/fd/" + std::to_string(fd);
