@@ -10,13 +10,11 @@ namespace onu::xml::internal {
 
 namespace {
 
-// Value of a digit in the base, or -1.
+// Value of a digit in the base, negative for anything else.
 int digitValue(char c, int base) {
-  int value = -1;
-  if (c >= '0' && c <= '9') {
-    value = c - '0';
-  } else if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f') {
-    value = (c | 0x20) - 'a' + 10;
+  int value = c - '0';
+  if (c > '9') {
+    value = (c | 0x20) < 'a' ? -1 : (c | 0x20) - 'a' + 10;
   }
   return value < base ? value : -1;
 }
@@ -107,7 +105,7 @@ void Decoder::lineEnd() {
 // What is unknown or does not fit stays as it is.
 void Decoder::reference() {
   const bool isGeneral = mode_ != Mode::kEntity;
-  const bool isCharacter = isGeneral && startsWith(read_, end_, "&#");
+  const bool isCharacter = startsWith(read_, end_, "&#");
   if (isCharacter ? characterReference() : isGeneral && predefined()) {
     return;
   }

@@ -23,7 +23,8 @@ inline Node* findGroup(XmlNode* first, const char* name, std::size_t length) {
   return static_cast<Node*>(first);
 }
 
-// Groups the children of many names again, with a table.
+// Groups the children of many names again, with a table. What those at the front are linked with
+// already is right.
 void regroup(XmlNode* parent) {
   std::size_t children = 0;
   for (const XmlNode* node = parent->child; node != nullptr; node = node->ordered) {
@@ -35,7 +36,6 @@ void regroup(XmlNode* parent) {
   firsts.reserve(children);
   for (XmlNode* child = parent->child; child != nullptr; child = child->ordered) {
     auto* const node = static_cast<Node*>(child);
-    node->next = node->sibling = nullptr;
     node->beforeSame = node;
     const std::size_t i = names.add(node->name);
     if (i != firsts.size()) {
@@ -54,7 +54,7 @@ void regroup(XmlNode* parent) {
 // Of no data, a byte of our own is the last.
 Parser::Parser(RootImpl& root)
     : root_(root), e_(root.e), last_(root.s == root.e ? &lastByte_ : root.e - 1), stop_(root.e) {
-  lastByte_ = root.s == root.e ? '\0' : *last_;
+  lastByte_ = *last_;
   hideLast();
   pairs_.reserve(16);
   opens_.reserve(8);
@@ -225,7 +225,7 @@ inline char* Parser::plainAttributes(char* p) {
       ++name;
     }
     char* const nameEnd = skipTo(name, kAttributeNameEnd);
-    if (*nameEnd != '=' || nameEnd[1] != '"' || nameEnd == name) {
+    if (*nameEnd != '=' || nameEnd[1] != '"') {
       return p;
     }
     char* const valueEnd = skipTo(nameEnd + 2, kValueStop);
@@ -275,7 +275,6 @@ const char* Parser::attributeValue(const char* name) {
   }
   const Mode mode = doctype_ == nullptr ? Mode::kAttribute : doctype_->attributeMode(list_, name);
   const Decoded decoded = decode(value, value, static_cast<std::size_t>(end - value), mode);
-  *end = '\0';
   p_ = end + 1;
   return decoded.inPlace ? value : root_.texts.copy(decoded.text, decoded.length);
 }

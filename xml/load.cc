@@ -43,7 +43,7 @@ char* utf8FromUtf16(const char* text, std::size_t length, std::size_t* newLength
   const std::size_t high = mark == "\xFE\xFF" ? 0 : 1;
   units = units.substr(2, (length - 2) / 2 * 2);
   // A unit makes three bytes at most, a pair four.
-  auto* const converted = static_cast<char*>(internal::allocate(length / 2 * 3 + 1));
+  auto* const converted = static_cast<char*>(internal::allocate(length / 2 * 3));
   char* to = converted;
   while (!units.empty()) {
     to = internal::putUtf8(takeCharacter(units, high), to);
@@ -95,7 +95,7 @@ XmlRoot* parseFd(int fd) {
     status.st_size = 0;
   }
   const auto size = static_cast<std::size_t>(status.st_size);
-  auto* const buffer = static_cast<char*>(std::malloc(size + 1));
+  auto* const buffer = static_cast<char*>(std::malloc(size));
   const ssize_t length = buffer == nullptr ? 0 : read(fd, buffer, size);
   return parseOwned(buffer, length < 0 ? 0 : static_cast<std::size_t>(length));
 }

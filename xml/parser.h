@@ -95,7 +95,7 @@ class Parser {
   RootImpl& root_;
   char* e_;
   char* last_;
-  char lastByte_;
+  char lastByte_ = '\0';
   const char* stop_;              // where the data ended
   std::ptrdiff_t lostLines_ = 0;  // line feeds that decoding has overwritten so far
   std::vector<Open> opens_;

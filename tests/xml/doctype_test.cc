@@ -94,16 +94,24 @@ TEST(Defaults, AnswerAttr) {
   EXPECT_EQ(document->attr[2], nullptr);
 }
 
-// 20,000 elements would write 8 MiB of a default; those that do not fit are left out.
+// Of few attributes and of many.
+TEST(Defaults, LeaveWhatIsCarried) {
+  const std::string few = "<b" + numbered(8, " c#=\"\"");
+  const Parsed document("<!DOCTYPE a [<!ATTLIST b c7 CDATA 'x'>]><a>" +
+                        numbered(2, few + "/>" + few + " c7='' d=\"\"/>") + "</a>");
+  EXPECT_EQ(written(document.node()),
+            "<a>" + numbered(2, few + "></b>" + few + " d=\"\"></b>") + "</a>");
+}
+
+// 20,000 elements would write 10 MiB of a default; from the first one that does not fit, none is.
 TEST(Defaults, WriteOneMebibyteAtMost) {
-  const std::string value(400, 'v');
-  Parsed document("<!DOCTYPE a [<!ATTLIST b c CDATA '" + value + "'>]><a>" +
-                  numbered(20000, "<b/>") + "<b c='own'/></a>");
+  const std::string value(540, 'v');
+  Parsed document("<!DOCTYPE a [<!ATTLIST b c CDATA '" + value + "'><!ATTLIST z c CDATA ''>]><a>" +
+                  numbered(20000, "<b/>") + "<b c='own'/><z/></a>");
   const std::string all = written(document.node());
-  EXPECT_GT(all.size(), std::size_t{1} << 20);
-  EXPECT_LT(all.size(), (std::size_t{1} << 20) + 20001 * 16);
+  EXPECT_EQ(all.size(), 1923 * 545 + 20001 * 7 + 22);
   EXPECT_EQ(all.substr(0, 12), "<a><b c=\"vvv");
-  EXPECT_EQ(all.substr(all.size() - 30), "</b><b></b><b c=\"own\"></b></a>");
+  EXPECT_EQ(all.substr(all.size() - 37), "</b><b></b><b c=\"own\"></b><z></z></a>");
   EXPECT_TRUE(written(document.node()) == all);
 }
 

@@ -43,7 +43,8 @@ inline std::string numbered(int count, std::string_view text) {
 inline std::string written(const XmlNode* node) {
   std::size_t length = 0;
   const std::unique_ptr<char, decltype(&std::free)> text(toXml(node, &length), &std::free);
-  return {text.get(), length};
+  EXPECT_EQ(std::strlen(text.get()), length);
+  return text.get();
 }
 
 // The tree in one line, as name(attribute=value)'text'[child@off][child@off].
