@@ -15,7 +15,7 @@ TEST(Lookup, FindsByNameAndPlace) {
   EXPECT_STREQ(get(a, {{"b", 1}, {"c", 0}, {"", 0}, {"d", 0}})->txt, "2");
   EXPECT_EQ(get(get(setAttr(a, nullptr, "b"), {}), {{nullptr, 0}}), a);
   for (const XmlNode* node :
-       {idx(second, 1), child(a, "B"), get(a, {{"b", 2}, {"c", 0}}), child(nullptr, "a"),
+       {idx(second, 1), child(a, "B"), get(a, {{"b", 3}, {"c", 0}}), child(nullptr, "a"),
         idx(nullptr, 0), get(nullptr, {{"a", 0}}), setText(nullptr, "a"), cut(nullptr),
         setAttr(nullptr, "a", "b"), addChild(nullptr, "a", 0), addChild(a, nullptr, 0)}) {
     EXPECT_EQ(node, nullptr);
