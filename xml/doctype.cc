@@ -171,7 +171,7 @@ const char* Doctype::attributeList(SubsetSource& source) {
       return nullptr;
     }
     const Token name = source.word(">/="sv);
-    if (name.empty() || (source.peek() != '\0' && !isSpace(source.peek()))) {
+    if (source.peek() != '\0' && !isSpace(source.peek())) {
       return kMalformedList;
     }
     if (!source.skipSpace()) {

@@ -112,23 +112,14 @@ struct SameName {
   static XmlNode*& before(XmlNode* node) { return static_cast<Node*>(node)->beforeSame; }
 };
 
-// Whether the last of the list that stand no later than the node does is this one.
-template <typename List>
-bool isLastBefore(XmlNode* at, const XmlNode* node) {
-  return at->off <= node->off && (List::next(at) == nullptr || List::next(at)->off > node->off);
-}
-
 // Puts a node behind all that stand no later in the parent's text. `added` is one of the list, near
 // which the place may be, or null. Returns the list's head.
 template <typename List>
 XmlNode* insert(XmlNode* head, XmlNode* node, XmlNode* added) {
   XmlNode* at = head == nullptr || head->off > node->off ? nullptr : List::before(head);
-  if (at != nullptr && added != nullptr) {
-    if (isLastBefore<List>(added, node)) {
-      at = added;
-    } else if (isLastBefore<List>(List::before(added), node)) {
-      at = List::before(added);
-    }
+  if (at != nullptr && added != nullptr && List::next(added) != nullptr &&
+      List::next(added)->off > node->off) {
+    at = added;
   }
   while (at != nullptr && at->off > node->off) {
     at = at == head ? nullptr : List::before(at);
@@ -171,7 +162,7 @@ XmlNode** linkTo(XmlNode** firsts, const XmlNode* parent, XmlNode* first, bool i
       return &child->sibling;
     }
     if (front != nullptr) {
-      if (*front == first || (!isListed && (*front == nullptr || (*front)->off > first->off))) {
+      if (*front == first || *front == nullptr || (*front)->off > first->off) {
         return front;
       }
       front = isListed || (*front)->off < first->off ? &(*front)->sibling : nullptr;

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "xml/scan.h"
-
 namespace onu::xml::internal {
 
 const Entity* EntityTable::find(std::string_view name) const {
@@ -56,7 +54,7 @@ std::size_t referenceLength(const char* p, const char* e) {
     if (*end == ';') {
       return static_cast<std::size_t>(end - p) + 1;
     }
-    if (*end == sign || *end == '\0' || isSpace(*end)) {
+    if (*end == sign) {
       return 0;
     }
   }

@@ -51,7 +51,7 @@ const char* attr(const XmlNode* node, const char* name) {
 
 XmlNode* get(XmlNode* node, std::initializer_list<Step> steps) {
   for (const Step& step : steps) {
-    if (node == nullptr || step.name == nullptr || step.name[0] == '\0') {
+    if (step.name == nullptr || step.name[0] == '\0') {
       break;
     }
     node = child(node, step.name);

@@ -77,7 +77,6 @@ void SubsetSource::skipDeclaration() {
       skip(1);
     }
   }
-  skip(peek() == '>' ? 1 : 0);
 }
 
 }  // namespace onu::xml::internal

@@ -37,7 +37,7 @@ class SubsetSource {
   // What stands before `close`, which is read too; nothing, and nothing read, when that is missing.
   Token upTo(std::string_view close);
 
-  // Skips a declaration of no interest with its '>', or to the end of the text on top.
+  // Skips a declaration of no interest, to its '>' or to the end of the text on top.
   void skipDeclaration();
 
   // The place in the input, that of the outermost reference inside a replacement text.
