@@ -77,7 +77,7 @@ TEST(Errors, CountTheInputsOwnLineFeedsAndAreCut) {
 
 TEST(Prefixes, OfEveryLengthAreSafe) {
   const std::string_view whole =
-      "<?xml version = '1.0' standalone=\"yes\"?>\n<!DOCTYPE a [<!ENTITY e \"&#38;\tv\">"
+      "<?xml\nversion = '1.0' standalone=\"yes\"?>\n<!DOCTYPE a [<!ENTITY e \"&#38;\tv\">"
       "<!ENTITY % p '<!ATTLIST a k CDATA \"&e;\">'>%p;<!ATTLIST b l (p|q) #FIXED ' p ' "
       "m NOTATION (n) #IMPLIED><!-- ] --><?x ]?>]>\n<a m=\"1\" n='&e;\r\n'>t&e;\r"
       "<b l=\" r \"/>u<![CDATA[v]]><!-- w --><c>&#233;</c></a><?p q?> ";
