@@ -91,9 +91,9 @@ TEST(Edit, Attributes) {
   set(true, strdup("d"), strdup("6"), "b(d=6)(e=5)''");
   set(true, strdup("d"), strdup("7"), "b(d=7)(e=5)''");
   set(true, b->attr[0], b->attr[1], "b(d=7)(e=5)''");
-  set(true, strdup("f"), strdup("8"), "b(d=7)(e=5)(f=8)''");
-  set(true, strdup("g"), strdup("9"), "b(d=7)(e=5)(f=8)(g=9)''");
-  set(true, strdup("f"), nullptr, "b(d=7)(e=5)(g=9)''");
+  set(true, strdup("gg"), strdup("8"), "b(d=7)(e=5)(gg=8)''");
+  set(true, strdup("g"), strdup("9"), "b(d=7)(e=5)(gg=8)(g=9)''");
+  set(true, strdup("gg"), nullptr, "b(d=7)(e=5)(g=9)''");
   set(true, strdup("none"), nullptr, "b(d=7)(e=5)(g=9)''");
   set(false, "g", "0", "b(d=7)(e=5)(g=0)''");
   set(false, b->attr[4], nullptr, "b(d=7)(e=5)''");
