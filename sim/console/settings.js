@@ -84,13 +84,19 @@ function form(entry) {
     send.disabled = !differ && !blind;
   }
 
+  let newest = 0; // reading, the one that counts: an earlier one may come in after it
+
   async function load() {
     if (!reply) {
       return compare();
     }
     const values = sent();
+    const reading = ++newest;
     try {
       const row = await told(values);
+      if (reading !== newest) {
+        return;
+      }
       for (const one of fields) {
         const key = keyOf(one.parameter, values);
         if (key) {
@@ -98,7 +104,9 @@ function form(entry) {
         }
       }
     } catch (error) {
-      line.say('bad', error.message);
+      if (reading === newest) {
+        line.say('bad', error.message);
+      }
     }
     compare();
   }
