@@ -4,8 +4,6 @@
 #include "tests/support/unit.h"
 
 namespace onu::test {
-namespace {
-
 constexpr const char* kGuardedCgi = "/build/guarded/onu-cgi";
 const std::string kRefused = errorPage(400, "read request fail");
 
@@ -74,5 +72,4 @@ TEST_F(Unit, GuardRefusesTheseBytesAndNoOthers) {
   }
 }
 
-}  // namespace
 }  // namespace onu::test

@@ -4,7 +4,6 @@
 
 namespace onu::test {
 
-namespace fs = std::filesystem;
 using namespace std::string_literals;
 
 TEST_F(Unit, Command8PonCounters) {
@@ -42,9 +41,9 @@ TEST_F(Unit, Command8PonCounters) {
     writeFile(file, text);
     expectCounters(want, text.substr(0, 80));
   }
-  fs::remove(file);
+  std::filesystem::remove(file);
   expectCounters({}, "no file");
-  fs::create_directory(file);
+  std::filesystem::create_directory(file);
   expectCounters({}, "a directory");
 }
 

@@ -30,9 +30,7 @@ class Saves : public Unit {
     expectKept("");
   }
 
-  static std::ptrdiff_t filesIn(const char* folder) {
-    return std::distance(fs::directory_iterator(folder), {});
-  }
+  static auto filesIn(const char* at) { return std::distance(fs::directory_iterator(at), {}); }
 
   std::string before_;
 };
