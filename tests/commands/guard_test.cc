@@ -4,6 +4,8 @@
 #include "tests/support/unit.h"
 
 namespace onu::test {
+namespace {
+
 constexpr const char* kGuardedCgi = "/build/guarded/onu-cgi";
 const std::string kRefused = errorPage(400, "read request fail");
 
@@ -72,4 +74,5 @@ TEST_F(Unit, GuardRefusesTheseBytesAndNoOthers) {
   }
 }
 
+}  // namespace
 }  // namespace onu::test

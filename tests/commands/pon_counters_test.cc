@@ -4,6 +4,7 @@
 
 namespace onu::test {
 
+namespace fs = std::filesystem;
 using namespace std::string_literals;
 
 TEST_F(Unit, Command8PonCounters) {
@@ -41,9 +42,9 @@ TEST_F(Unit, Command8PonCounters) {
     writeFile(file, text);
     expectCounters(want, text.substr(0, 80));
   }
-  std::filesystem::remove(file);
+  fs::remove(file);
   expectCounters({}, "no file");
-  std::filesystem::create_directory(file);
+  fs::create_directory(file);
   expectCounters({}, "a directory");
 }
 

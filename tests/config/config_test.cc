@@ -12,6 +12,8 @@
 #include "tests/support/unit.h"
 
 namespace onu::test {
+namespace {
+
 TEST_F(Unit, WhatIsMissingIsLeft) {
   writeFile(kSettings,
             "<c><commInfo><vendor>v</vendor><onu_id>i</onu_id></commInfo>"
@@ -81,4 +83,5 @@ TEST_F(Unit, OnuTypesHaveNames) {
   EXPECT_EQ(names, "1SFU,SFU,HGU,SBU,CBU,MDU,MTU,1FE+1POTS SFU,Mixed HGU,8,-1,SFU,");
 }
 
+}  // namespace
 }  // namespace onu::test

@@ -30,7 +30,9 @@ class Saves : public Unit {
     expectKept("");
   }
 
-  static auto filesIn(const char* at) { return std::distance(fs::directory_iterator(at), {}); }
+  static std::ptrdiff_t filesIn(const char* folder) {
+    return std::distance(fs::directory_iterator(folder), {});
+  }
 
   std::string before_;
 };

@@ -20,6 +20,8 @@
 #define malloc_usable_size heapUsableSize
 #include "init/heap.cc"  // NOLINT(bugprone-suspicious-include)
 
+namespace {
+
 constexpr std::size_t kMiB = std::size_t{1} << 20;
 
 bool isMapped(void* block) {
@@ -125,3 +127,5 @@ TEST(HeapDeathTest, EndsTheProcessOnFreedBytes) {
   EXPECT_DEATH(static_cast<void>(!realloc(bytes, 5)), "");
   free(behind);
 }
+
+}  // namespace

@@ -5,6 +5,8 @@
 #include "tests/support/unit.h"
 
 namespace onu::test {
+namespace {
+
 namespace fs = std::filesystem;
 
 const std::string kTitle = "\n\n  ***** Init Tevo Prameters **** \n";
@@ -15,7 +17,9 @@ const std::string kFactoryUp = "ifconfig eth0 192.168.1.1  netmask 255.255.255.0
 const std::string kAsk = "fw_printenv mv_pon_addr >/tmp/mac.txt |rm /tmp/mac.txt";
 const std::string kUp = kFactoryUp + "ifconfig eth0 10.1.2.3 netmask 255.0.0.0 up|" + kAsk;
 
-Outcome init(const std::string& more = "") { return Unit::run("/usr/sbin/onu-init " + more); }
+Outcome init(const std::string& arguments = "") {
+  return Unit::run("/usr/sbin/onu-init " + arguments);
+}
 Outcome initWith(const std::string& bootloaderMac) {
   Unit::run("fw_setenv mv_pon_addr " + bootloaderMac);
   return init();
@@ -96,4 +100,5 @@ TEST_F(Unit, InitStoresTheAddressItIsGiven) {
   EXPECT_EQ(init("a b").out.find(kTitle + " IP = "), 0U) << "two arguments: a normal run";
 }
 
+}  // namespace
 }  // namespace onu::test
