@@ -43,7 +43,8 @@ TEST_F(Unit, WhatIsMissingIsLeft) {
   EXPECT_EQ(profile.getLoopDetect("9", text), -1);
   writeFile(kProfile, "<p><Vendor/></p>");
   VendorInfo vendor{"-", "-", "-", "-"};
-  EXPECT_EQ(profile.getVendorInfo(vendor) + profile.getFirmwareVersion(text), 0);
+  EXPECT_EQ(profile.getVendorInfo(vendor), 0);
+  EXPECT_EQ(profile.getFirmwareVersion(text), 0);
   EXPECT_EQ(vendor.vendor + vendor.model + vendor.hwVersion + vendor.swVersion + text, "-----");
   writeFile(kProfile, "<p><Vendor><attrib name='x' value='y'/></Vendor></p>");
   EXPECT_EQ(profile.getFirmwareVersion(text), 0);
