@@ -17,7 +17,7 @@ from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+ROOT = pathlib.Path(__file__).resolve().parents[1]
 sys.path.append(str(ROOT / "sim/machine"))
 from web import fetch, free_port  # pylint: disable=wrong-import-position
 SETTINGS = "var/tevo/website/www/xml/tevo_xml_cfg_file.xml"
@@ -48,7 +48,7 @@ class ConsoleTest(unittest.TestCase):
 
     @classmethod
     def start_server(cls):
-        cls.server = cls.run_server("--port", str(cls.port), "--www", ROOT / "tests")
+        cls.server = cls.run_server("--port", str(cls.port), "--www", ROOT / "sim")
         cls.addClassCleanup(cls.server.stdout.close)
         cls.addClassCleanup(cls.server.wait, 20)
         cls.addClassCleanup(cls.server.terminate)
@@ -118,7 +118,7 @@ class ConsoleTest(unittest.TestCase):
                      f"/cgi-bin/..{xml}", f"/pages/..{xml}", f"/%2e%2e/%2e%2e/{SETTINGS}",
                      f"/pages/../../../{SETTINGS}", "/xml/", "/pages/"]:
             self.assertRegex(fetch(self.port, path), rb"^HTTP/1.\d 40[04] ", path)
-        self.assertIn(b"200 OK", fetch(self.port, "/pages/console/console_test.py"))
+        self.assertIn(b"200 OK", fetch(self.port, "/pages/console_test.py"))
         for said, *options in [
                 ("served already", "--port", str(free_port())), ("served already", "--factory"),
                 ("is taken", "--unit", self.folder / "other", "--port", str(self.port)),
