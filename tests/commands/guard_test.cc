@@ -25,7 +25,8 @@ constexpr Injection kInjections[] = {
     {"cmd_id=25&action=1&age_time=%", "port mac_aging_time 0 UNI_0 %"},
     {"cmd_id=30&action=1&bs=0&bs_thresh=%",
      "echo 0 us UNI_ANY 1 % 1536 > /sys/devices/platform/tpm/cfg_traffic/rate_limit_queue_set",
-     true}};
+     true},
+};
 
 std::string with(std::string text, const std::string& value) {
   return text.replace(text.find('%'), 1, value);

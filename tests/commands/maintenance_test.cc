@@ -47,7 +47,8 @@ TEST_F(Unit, MaintenancePageAndWork) {
            {"cmd_id=21&update_type=2", "0", flashing("/tmp/rootfs.squashfs", "/dev/mtd2")},
            {"cmd_id=21&update_type=3", "0", flashing("/tmp/varfs.jffs2", "/dev/mtd3")},
            {"cmd_id=21&update_type=4", "1", ""},
-           {"cmd_id=21&update_type=-1", "1", ""}}) {
+           {"cmd_id=21&update_type=-1", "1", ""},
+       }) {
     const Outcome outcome = cgiOnce(query);
     EXPECT_EQ(outcome.out, json(body)) << query;
     EXPECT_EQ(outcome.commands, split(work, '|')) << query;

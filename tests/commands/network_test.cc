@@ -49,18 +49,20 @@ TEST_F(Unit, Command23PortIsStoredThenApplied) {
   const std::string set = "cmd_id=23&action=1&port=";
   const std::string port1 = R"(mode="&lt;"|mode="m" phy_admin="" flow_control=")";
   checkWithoutValues({{"cmd_id=23", "[]"}, {set + "0&flow_control=1", "1  "}});
-  check({{"cmd_id=23",
-          R"([ {auto:"a0",flow_control:"f0",link:"net_up",mode_max:"x0",phy:"p0",port_id:"0",)"
-          R"(work_mode:"m0"},{auto:"",flow_control:"",link:"net_up",mode_max:"",phy:"",)"
-          R"(port_id:"1",work_mode:"<"}])"},
-         {set + "0&flow_control=0&auto=1&mode=3", "0", "tevo tpm " + kRun,
-          port0("0", "1", "3") + "|>on<|>0<", applied("3", "flase")},
-         {set + "0&flow_control=00&auto=\"&mode=" + kOdd.text, "0", "tevo tpm " + kRun,
-          port0("00", "&quot;", kOdd.asAttribute) + "|>on<|>00<", applied(kOdd.text, "true")},
-         // Port 1 is applied to port 0 as well.
-         {set + "1&flow_control=on&mode=m", "0", "tevo " + kRun, port1 + "on\" auto_neg=\"\"",
-          applied("m", "true")},
-         {set + "2&flow_control=0", "1  "}});
+  check({
+      {"cmd_id=23",
+       R"([ {auto:"a0",flow_control:"f0",link:"net_up",mode_max:"x0",phy:"p0",port_id:"0",)"
+       R"(work_mode:"m0"},{auto:"",flow_control:"",link:"net_up",mode_max:"",phy:"",)"
+       R"(port_id:"1",work_mode:"<"}])"},
+      {set + "0&flow_control=0&auto=1&mode=3", "0", "tevo tpm " + kRun,
+       port0("0", "1", "3") + "|>on<|>0<", applied("3", "flase")},
+      {set + "0&flow_control=00&auto=\"&mode=" + kOdd.text, "0", "tevo tpm " + kRun,
+       port0("00", "&quot;", kOdd.asAttribute) + "|>on<|>00<", applied(kOdd.text, "true")},
+      // Port 1 is applied to port 0 as well.
+      {set + "1&flow_control=on&mode=m", "0", "tevo " + kRun, port1 + "on\" auto_neg=\"\"",
+       applied("m", "true")},
+      {set + "2&flow_control=0", "1  "},
+  });
   check({{set + "1&flow_control=0&mode=m", "0", "tevo " + kRun, port1 + "0\" auto_neg=\"\"",
           applied("m", "flase")}},
         {{"tpm", "<t><flow_control/></t>"}});

@@ -86,7 +86,8 @@ TEST_F(OpticalModule, IsRead) {
             kSelect + kProbe + "EIO\n" + probeBlock + "ok\n" + kPointed + kBlock + "ok\n"},
            // Half of the bias pair is there: 0x30 and 0.
            {lit + "short_block 5\n", "36.50 3.29 12.29 -inf -inf", kAll},
-           {lit + "short_block 0\n", kNothing, kAll}}) {
+           {lit + "short_block 0\n", kNothing, kAll},
+       }) {
     const Outcome outcome = withModule("register 96 " + registers, kCgi);
     EXPECT_EQ(outcome.out + outcome.err, reading(want)) << registers;
     EXPECT_EQ(traffic(), requests) << registers;

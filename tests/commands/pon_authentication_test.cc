@@ -14,7 +14,8 @@ TEST_F(Unit, Command5PonAuthenticationIsRead) {
            {mac, "ABCD0000", "0", "ABCD0000", "005043112233"},
            {mac, "AB", "1", "AB43112233", "005043112233"},
            {"0123456789abcd", "ABCD", "1", "ABCD679acd", "0134679acd"},
-           {"0123456789abc", "ABCD", "0", "", ""}}) {
+           {"0123456789abc", "ABCD", "0", "", ""},
+       }) {
     const std::string whole = R"({ctc_switch:"1",cur_mac:")" + address +
                               R"(",fec_mode:"",gpon_loid:"only",gpon_password:"",loid:"",)"
                               R"(password:"",ponPassword:"",ponSerialNum:")" +

@@ -38,7 +38,8 @@ TEST_F(Unit, Command8PonCounters) {
            {"[abcd1 2]", {"1", "2"}},
            {"[abcd" + page + "]", {page}},
            {"[abcd" + longValue + " 2]\n", {longValue, "2"}},
-           {"[abcd\x01\xff\0 \"\\]\r\n"s, {"\x01\xff\0"s, "\"\\]"}}}) {
+           {"[abcd\x01\xff\0 \"\\]\r\n"s, {"\x01\xff\0"s, "\"\\]"}},
+       }) {
     writeFile(file, text);
     expectCounters(want, text.substr(0, 80));
   }

@@ -78,18 +78,19 @@ TEST_F(Unit, Command30StormLimit) {
   };
   const std::string big(65536, '6');
   checkWithoutValues({{"cmd_id=30", "[]"}, {set + "4&bs_thresh=5", "1"}});
-  check(
-      {{"cmd_id=30&action=0", R"([{bc_mode:"b0",rate:"t0"}])"},
-       {set + "0&bs_thresh=512", "0", toQueue + "tevo ", port("0", "512"), limit("1 512", queue)},
-       {set + "1&bs_thresh=" + big, "0", toQueue + "tevo ", port("1", big),
-        limit("7 " + big, queue)},
-       {set + "2&bs_thresh=%20\\", "0", toAll + "tevo ", port("2", "%20\\"), limit(" %20\\", all)},
-       {set + "3&bs_thresh=512", "0", toQueue + toQueue + toAll + "tevo ", port("3", "512"), off},
-       {set + "0", "0", toQueue + "tevo ", port("0", "t0"), limit("1 ", queue)},
-       // The shell prints to the page what a line feed cuts off.
-       {set + "0&bs_thresh=1\n2", "0 us UNI_ANY 1 1\n0 ds UNI_ANY 1 1\n" + json("0"),
-        toQueue + "tevo ", port("0", "1&#xA;2"), limit("1 1\n2", queue)},
-       {set + "b0&bs_thresh=" + kOdd.text, "0", "tevo ", port("b0", kOdd.asAttribute)}});
+  check({
+      {"cmd_id=30&action=0", R"([{bc_mode:"b0",rate:"t0"}])"},
+      {set + "0&bs_thresh=512", "0", toQueue + "tevo ", port("0", "512"), limit("1 512", queue)},
+      {set + "1&bs_thresh=" + big, "0", toQueue + "tevo ", port("1", big),
+       limit("7 " + big, queue)},
+      {set + "2&bs_thresh=%20\\", "0", toAll + "tevo ", port("2", "%20\\"), limit(" %20\\", all)},
+      {set + "3&bs_thresh=512", "0", toQueue + toQueue + toAll + "tevo ", port("3", "512"), off},
+      {set + "0", "0", toQueue + "tevo ", port("0", "t0"), limit("1 ", queue)},
+      // The shell prints to the page what a line feed cuts off.
+      {set + "0&bs_thresh=1\n2", "0 us UNI_ANY 1 1\n0 ds UNI_ANY 1 1\n" + json("0"),
+       toQueue + "tevo ", port("0", "1&#xA;2"), limit("1 1\n2", queue)},
+      {set + "b0&bs_thresh=" + kOdd.text, "0", "tevo ", port("b0", kOdd.asAttribute)},
+  });
   check({{"cmd_id=30", R"([{bc_mode:"1",rate:""}])"}},
         {{"tevo", "<c><storm><port mode='1'/></storm></c>"}});
 }

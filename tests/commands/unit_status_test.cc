@@ -49,7 +49,8 @@ TEST_F(Unit, Command2ProfileAndLink) {
            {"0x130", "2019/00/00", "130", "13.0", "", "", "0"},
            {"0", "2000/00/00", "", "", "", "", "0"},
            {"0x1111111111111111111111", "2017/17/17", "1111111111111111111111",
-            "11.11.11.11.11.11.11.11.11.11.1", "", "", "0"}}) {
+            "11.11.11.11.11.11.11.11.11.11.1", "", "", "0"},
+       }) {
     writeFile(info, link);
     writeFile(kProfile, "<p><Vendor>" + is("Chip version", value) + is("Chip revision", value) +
                             is("Firmware version", value) + "<attrib name='SW version'/>" +

@@ -100,7 +100,8 @@ TEST_F(Unit, UploadsStoreANameThatOverlapsItsPrefix) {
            {R"(C:\up\image.bin)", "/var/ge.bin"},
            {"/a/image.bin", "/var/ge.bin"},
            {"ima\"ge\".bin", "/var/image.bin"},
-           {std::string(400, 'n'), "/var/" + std::string(250, 'n')}}) {
+           {std::string(400, 'n'), "/var/" + std::string(250, 'n')},
+       }) {
     writeFile("/tmp/body", part(kBoundary, name, ""));
     UploadReader::NameArea area;
     area.fill('#');

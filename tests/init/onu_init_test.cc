@@ -42,7 +42,8 @@ TEST_F(Unit, InitMakesTheAddressesAgree) {
            {kMac, kMac, "", kIp, kUp},
            {lower, "00:AA:BB:CC:DD:EE", lower, taken + lower + "\n", kUp},
            {kMac + ":66", "x", kMac, taken + kMac + "\n", kUp},
-           {"a=b=c", "x", "a=b=c", taken + "a=b=c\n", kUp}}) {
+           {"a=b=c", "x", "a=b=c", taken + "a=b=c\n", kUp},
+       }) {
     const std::string before = settings(old) + "<!-- c -->";
     writeFile(kSettings, before);
     const Outcome outcome = initWith(mac);
@@ -69,7 +70,8 @@ TEST_F(Unit, InitStopsWithoutABootloaderAddress) {
            {"echo mv_pon_addr=", " onu mac address  = \n"},
            {"echo mv_pon_addr; echo mv_pon_addr_2=first; echo mv_pon_addr=second",
             " onu mac address  = first\n"},
-           {"yes mv_pon_addr | head -c 3000000", ""}}) {
+           {"yes mv_pon_addr | head -c 3000000", ""},
+       }) {
     reset();
     writeFile("/bin/fw_printenv", "#!/bin/busybox sh\n" + tool + "\n");
     fs::permissions("/bin/fw_printenv", fs::perms::owner_all);
@@ -86,10 +88,11 @@ TEST_F(Unit, InitStoresTheAddressItIsGiven) {
       "|cp -f /var/tevo/xml_default/tevo_xml_cfg_file.xml  /var/tevo/website/www/xml/";
   const std::string factory = readFile("/factory/var/tevo/xml_default/tevo_xml_cfg_file.xml");
   const std::string none = "<cfg><ipInfo/></cfg>";
-  for (const auto& [before, message, more, after] :
-       std::vector<std::array<std::string, 4>>{{settings("x"), "", copy, factory},
-                                               {none, "set mac address   fail\n", "", none},
-                                               {"<cfg/>", "", "", "<cfg/>"}}) {
+  for (const auto& [before, message, more, after] : std::vector<std::array<std::string, 4>>{
+           {settings("x"), "", copy, factory},
+           {none, "set mac address   fail\n", "", none},
+           {"<cfg/>", "", "", "<cfg/>"},
+       }) {
     writeFile(kSettings, before);
     const Outcome outcome = init(kMac);
     EXPECT_EQ(outcome.out, kTitle + message + "mv_pon_addr =" + kMac + "\n");

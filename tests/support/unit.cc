@@ -54,10 +54,9 @@ bool replaceAll(std::string& text, const std::string& from, const std::string& t
 Unit::Files settings() {
   std::string tx;
   std::string rx;
-  for (const char* queue : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"}) {
-    tx.append(R"(<queue sched_method="m" weight="w)").append(queue);
-    tx.append("\" size=\"s").append(queue).append("\"></queue>\n");
-    rx.append("<queue size=\"r").append(queue).append("\"></queue>\n");
+  for (const std::string queue : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"}) {
+    tx += R"(<queue sched_method="m" weight="w)" + queue + "\" size=\"s" + queue + "\"></queue>\n";
+    rx += "<queue size=\"r" + queue + "\"></queue>\n";
   }
   return {
       {"tevo", R"(<m><commInfo><model>M</model><softwareVersion>S"1</softwareVersion></commInfo>

@@ -9,49 +9,48 @@ static void expectTexts(std::initializer_list<Case> cases) {
 
 // Several document types add up, wherever they stand.
 TEST(Subset, Declares) {
-  expectTexts(
-      {{"<!ENTITY\tversion\r'5'>]><a b='&version;'>&version;&f;</a>", "<a b=\"5\">5&amp;f;</a>"},
-       {"<!ENTITY e '1'><!ENTITY e '2'><!ENTITY amp '&amp;'>]><a>&e;&amp;</a>", "<a>1&amp;</a>"},
-       {"<!ENTITY e '&f;&f;'><!ENTITY f '&#38;&lt;g'>]><a>&e;</a>", "<a>&amp;&lt;g&amp;&lt;g</a>"},
-       {"<!ENTITY e ''><!ENTITY f 'longer'>]><a>1&e;2&f;3&f;</a>", "<a>12longer3longer</a>"},
-       {"<!ENTITY e SYSTEM \"><!ENTITY e ''>\"><!ENTITY ''><?]>?>x<!ENTITY f '1'>]><a>&e;&;&f;</a>",
-        "<a>&amp;e;&amp;;1</a>"},
-       {"<!ENTITY e '1\t2&#9;'>]><a b='&e;'/>", "<a b=\"1 2&#x9;\"></a>"},
-       {"<!ENTITY % p 'x'><!ENTITY e '%p;%q;100%'>]><a>&e;</a>", "<a>x%q;100%</a>"},
-       {"<!ENTITY % lt 'x'><!ENTITY e '1%lt;2%lt;'>]><a>&e;&lt;</a>", "<a>1x2x&lt;</a>"},
-       {"<!NOTATION n SYSTEM '><!ENTITY e \"\">'><!--<!ENTITY e '1'>'--><!ENTITY e "
-        "'2'>]><a>&e;</a>",
-        "<a>2</a>"},
-       {"\" <!ENTITY e '1'> ' ]><a>&e;' ]>\" ]></a>", "<a>1' ]&gt;\" ]&gt;</a>"},
-       {"<!ENTITY % p ' b ID'><!ATTLIST a %p; 'v' &p; ID 'w'>]><a/>", "<a b=\"v\" &p;=\"w\"></a>"},
-       {"<!ATTLIST a b CDATA '1' c CDATA #FIXED '2' d CDATA #IMPLIED e ID #REQUIRED>]><a c='3'/>",
-        "<a c=\"3\" b=\"1\"></a>"},
-       {"<!ATTLIST a b CDATA '1' b CDATA '2'><!ATTLIST a b CDATA '3' c CDATA '4'>]><a><b/></a>",
-        "<a b=\"1\" c=\"4\"><b></b></a>"},
-       {"<!ATTLIST a b CDATA ' 1  2 ' c () ' 1  2 ' d NOTATION (n) ' &#49;  2 '>%]><a/>",
-        "<a b=\" 1  2 \" c=\"1 2\" d=\"1 2\"></a>"},
-       {"<!ATTLIST a b CDATA '' c ID ''>]><a b=' 1\n\t2 ' c=' 1\n\t2 '><b c=' 3 '/></a>",
-        "<a b=\" 1  2 \" c=\"1 2\"><b c=\" 3 \"></b></a>"},
-       {"<!ENTITY e '1'>]><!DOCTYPE a [<!ENTITY e '3'><!ENTITY f '&e;2'>]>"
-        "<a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'>]>&f;</a>",
-        "<a b=\"x\">12</a>"},
-       {"]><!DOCTYPE a [<!-- ]> --><?>]> ?><!ENTITY e ' ]> '>] ><a>&e;</a>", "<a> ]&gt; </a>"}});
+  expectTexts({
+      {"<!ENTITY\tversion\r'5'>]><a b='&version;'>&version;&f;</a>", "<a b=\"5\">5&amp;f;</a>"},
+      {"<!ENTITY e '1'><!ENTITY e '2'><!ENTITY amp '&amp;'>]><a>&e;&amp;</a>", "<a>1&amp;</a>"},
+      {"<!ENTITY e '&f;&f;'><!ENTITY f '&#38;&lt;g'>]><a>&e;</a>", "<a>&amp;&lt;g&amp;&lt;g</a>"},
+      {"<!ENTITY e SYSTEM \"><!ENTITY e ''>\"><!ENTITY ''><?]>?>x<!ENTITY f '1'>]><a>&e;&;&f;</a>",
+       "<a>&amp;e;&amp;;1</a>"},
+      {"<!ENTITY e '1\t2&#9;'>]><a b='&e;'/>", "<a b=\"1 2&#x9;\"></a>"},
+      {"<!ENTITY % p 'x'><!ENTITY e '%p;%q;100%'>]><a>&e;</a>", "<a>x%q;100%</a>"},
+      {"<!ENTITY % lt 'x'><!ENTITY e '1%lt;2%lt;'>]><a>&e;&lt;</a>", "<a>1x2x&lt;</a>"},
+      {"<!NOTATION n '><!ENTITY e \"\">'><!--<!ENTITY e '1'>'--><!ENTITY e '2'>]><a>&e;</a>",
+       "<a>2</a>"},
+      {"\" <!ENTITY e '1'> ' ]><a>&e;' ]>\" ]></a>", "<a>1' ]&gt;\" ]&gt;</a>"},
+      {"<!ENTITY % p ' b ID'><!ATTLIST a %p; 'v' &p; ID 'w'>]><a/>", "<a b=\"v\" &p;=\"w\"></a>"},
+      {"<!ATTLIST a b CDATA '1' c CDATA #FIXED '2' d CDATA #IMPLIED e ID #REQUIRED>]><a c='3'/>",
+       "<a c=\"3\" b=\"1\"></a>"},
+      {"<!ATTLIST a b CDATA '1' b CDATA '2'><!ATTLIST a b CDATA '3' c CDATA '4'>]><a><b/></a>",
+       "<a b=\"1\" c=\"4\"><b></b></a>"},
+      {"<!ATTLIST a b CDATA ' 1  2 ' c () ' 1  2 ' d NOTATION (n) ' &#49;  2 '>%]><a/>",
+       "<a b=\" 1  2 \" c=\"1 2\" d=\"1 2\"></a>"},
+      {"<!ATTLIST a b CDATA '' c ID ''>]><a b=' 1\n\t2 ' c=' 1\n\t2 '><b c=' 3 '/></a>",
+       "<a b=\" 1  2 \" c=\"1 2\"><b c=\" 3 \"></b></a>"},
+      {"<!ENTITY e '1'>]><!DOCTYPE a [<!ENTITY e '3'><!ENTITY f '&e;2'>]>"
+       "<a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'>]>&f;</a>",
+       "<a b=\"x\">12</a>"},
+      {"]><!DOCTYPE a [<!-- ]> --><?>]> ?><!ENTITY e ' ]> '>] ><a>&e;</a>", "<a> ]&gt; </a>"},
+  });
 }
 
 // What stands behind an error says nothing.
 TEST(Subset, IsRefused) {
-  expectTexts({{"<!E ' ]><!DOCTYPE a [<!-- ]><!ENTITY e '1'>]><a>&e;</a>", "", "unclosed <!--"},
-               {"]><a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'><!ATTLIST a b>]><b/></a>",
-                "<a b=\"x\"></a>", "malformed <!ATTLIST"},
-               {"]><a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'><!ENTITY e '&f;'>]><!DOCTYPE a "
-                "[<!ENTITY f '&e;'>"
-                "<!ATTLIST a c CDATA 'y'>]></a>",
-                "<a b=\"x\"></a>", "circular entity declaration &f;"},
-               {"<!ENTITY e '1&e;'><!ATTLIST a b>]>", "", "circular entity declaration &e;"},
-               {"<!ENTITY e '&f;'><!ENTITY x '&e;'><!ENTITY f '1&g;'><!ENTITY g '&lt;&e;'>]>", "",
-                "circular entity declaration &g;"},
-               {"<!ENTITY % p '%q;'><!ENTITY % q '%p;'>]>", "", "circular entity declaration &q;"},
-               {"<?p ]>", "", "unclosed <?"}});
+  expectTexts({
+      {"<!E ' ]><!DOCTYPE a [<!-- ]><!ENTITY e '1'>]><a>&e;</a>", "", "unclosed <!--"},
+      {"]><a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'><!ATTLIST a b>]><b/></a>", "<a b=\"x\"></a>",
+       "malformed <!ATTLIST"},
+      {"]><a><!DOCTYPE a [<!ATTLIST a b CDATA 'x'><!ENTITY e '&f;'>]>"
+       "<!DOCTYPE a [<!ENTITY f '&e;'><!ATTLIST a c CDATA 'y'>]></a>",
+       "<a b=\"x\"></a>", "circular entity declaration &f;"},
+      {"<!ENTITY e '1&e;'><!ATTLIST a b>]>", "", "circular entity declaration &e;"},
+      {"<!ENTITY e '&f;'><!ENTITY x '&e;'><!ENTITY f '1&g;'><!ENTITY g '&lt;&e;'>]>", "",
+       "circular entity declaration &g;"},
+      {"<!ENTITY % p '%q;'><!ENTITY % q '%p;'>]>", "", "circular entity declaration &q;"},
+  });
   for (const std::string list : {"", "b", "b CDATA", "b CDATA 'v' "}) {
     expectTexts({{"<!ATTLIST a " + list + "]>", "", "unclosed <!ATTLIST"}});
   }

@@ -8,71 +8,71 @@ namespace onu::xml {
 using namespace std::string_view_literals;
 
 TEST(Tree, HoldsElementsAndTexts) {
-  expectEach(
-      {{"\xEF\xBB\xBF<?xml version='1.0'?>\n<!DOCTYPE a SYSTEM \"[\" [] ><a></a>\n ", "a''"},
-       {"<!DOCTYPE a PUBLIC '' '[' \"[\"><a>1<x/>2<b>3<yb></yb>4</b>5</a>",
-        "a'125'[x''@1][b'34'[yb''@1]@2]"},
-       {"<a>v<!---->w<!-- - -- > --><?xml q?>x<![CDATA[]]><![CDATA[<&amp;\r\n]]]>y</a>",
-        "a'vwx<&amp;\r\n]y'"},
-       {"<a\t b = \"'\"c='\"' ><d /><d></d ></a >", "a(b=')(c=\")''[d''@0][d''@0]"},
-       {"<a ='1' b 'c' d=#e\" f>\"2\"</a>", "a(=1)(b=)('c'=)(d=)(#e\"=)(f=)'\"2\"'"},
-       {"<a bb='1' c='' d =\"\" e= \"x\" f =\n'>' g= h/>", "a(bb=1)(c=)(d=)(e=x)(f=>)(g=)(h=)''"},
-       {"<a\1 b\2=''/>\0"sv, "a\1(b\2=)''"},
-       {"<a>x<!DOCTYPE></a>\0<"sv, "a'x'"},
-       {"<a>1\r\n2\r3\n4\r\r\n</a>", "a'1\n2\n3\n4\n\n'"},
-       {"<a>&#65;&#x7f;&#x80;&#x7ff;&#x800;&#xffff;&#x10000;&#x1f600;</a>",
-        "a'A\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF0\x9F\x98\x80'"},
-       {"<a>&#x7fffffff;&#x80000000;</a>", "a'\xFD\xBF\xBF\xBF\xBF\xBF&#x80000000;'"},
-       {"<a>&/a>&#0;&#65 &#;&#a;&#x;&#x@;&#x:;&#xg;&#-1;&u;&;& &lt</a>",
-        "a'&/a>&#0;&#65 &#;&#a;&#x;&#x@;&#x:;&#xg;&#-1;&u;&;& &lt'"},
-       {"<!DOCTYPE a [<!ENTITY #0 'x'><!ENTITY e '&#38;'>]><a>&#0;&e;&#<c>&e;</c></a>",
-        "a'&#0;&&#'[c'&'@7]"},
-       {"<a>&lt;&gt;&amp;lt;&quot;&apos;&#38;#65;</a>", "a'<>&lt;\"'&#65;'"},
-       {"<a b='1\t\n2\r\n3\n4\r5 &#9;&#10;&#13;&#32;'/>", "a(b=1  2 3 4 5 \t\n\r )''"}});
+  expectEach({
+      {"\xEF\xBB\xBF<?xml version='1.0'?>\n<!DOCTYPE a SYSTEM \"[\" [] ><a></a>\n ", "a''"},
+      {"<!DOCTYPE a PUBLIC '' '[' \"[\"><a>1<x/>2<b>3<yb></yb>4</b>5</a>",
+       "a'125'[x''@1][b'34'[yb''@1]@2]"},
+      {"<a>v<!---->w<!-- - -- > --><?xml q?>x<![CDATA[]]><![CDATA[<&amp;\r\n]]]>y</a>",
+       "a'vwx<&amp;\r\n]y'"},
+      {"<a\t b = \"'\"c='\"' ><d /><d></d ></a >", "a(b=')(c=\")''[d''@0][d''@0]"},
+      {"<a ='1' b 'c' d=#e\" f>\"2\"</a>", "a(=1)(b=)('c'=)(d=)(#e\"=)(f=)'\"2\"'"},
+      {"<a bb='1' c='' d =\"\" e= \"x\" f =\n'>' g= h/>", "a(bb=1)(c=)(d=)(e=x)(f=>)(g=)(h=)''"},
+      {"<a\1 b\2=''/>\0"sv, "a\1(b\2=)''"},
+      {"<a>x<!DOCTYPE></a>\0<"sv, "a'x'"},
+      {"<a>1\r\n2\r3\n4\r\r\n</a>", "a'1\n2\n3\n4\n\n'"},
+      {"<a>&#65;&#x7f;&#x80;&#x7ff;&#x800;&#xffff;&#x10000;&#x1f600;</a>",
+       "a'A\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF0\x9F\x98\x80'"},
+      {"<a>&#x7fffffff;&#x80000000;</a>", "a'\xFD\xBF\xBF\xBF\xBF\xBF&#x80000000;'"},
+      {"<a>&/a>&#0;&#65 &#;&#a;&#x;&#x@;&#x:;&#xg;&#-1;&u;&;& &lt</a>",
+       "a'&/a>&#0;&#65 &#;&#a;&#x;&#x@;&#x:;&#xg;&#-1;&u;&;& &lt'"},
+      {"<!DOCTYPE a [<!ENTITY #0 'x'><!ENTITY e '&#38;'>]><a>&#0;&e;&#<c>&e;</c></a>",
+       "a'&#0;&&#'[c'&'@7]"},
+      {"<a>&lt;&gt;&amp;lt;&quot;&apos;&#38;#65;</a>", "a'<>&lt;\"'&#65;'"},
+      {"<a b='1\t\n2\r\n3\n4\r5 &#9;&#10;&#13;&#32;'/>", "a(b=1  2 3 4 5 \t\n\r )''"},
+  });
 }
 
 TEST(Errors, LeaveWhatWasRead) {
-  expectEach({{"", "none", "root tag missing"},
-              {"x\0\n<"sv, "none", "root tag missing"},
-              {"<a></a?>", "a''", "unexpected closing tag </a?>"},
-              {"<a></b>0123456789abcdef", "a''", "unexpected closing tag </b>"},
-              {"<abcdefghi></abcd_fghi> ", "abcdefghi''", "unexpected closing tag </abcd_fghi>"},
-              {"\xFE\xFF\0<\0a\0>\0<\0/\xD8\x3D\xDE\0"sv, "a''", "unexpected closing tag </😀>"},
-              {"<abc>x</", "abc'x'", "unexpected closing tag </>"},
-              {"<abc>x</abc", "abc'x'", "missing >"},
-              {"<a></a b>", "a''", "missing >"},
-              {"<a><b/ ></a>", "a''", "missing >"},
-              {"<a b", "none", "missing >"},
-              {"<a><b c=\"1'></b></a>", "a''", "missing \""},
-              {"</a>", "none", "markup outside of root element"},
-              {"<![CDATA[x]]><a/>", "none", "markup outside of root element"},
-              {"<a/><b/>", "a''", "markup outside of root element"},
-              {"<a/><![CDATA[x]]>", "a''", "markup outside of root element"},
-              {"<a/> t", "a''", "markup outside of root element"},
-              {"<a>x<b>1</b >y<c>z", "a'xy'[b'1'@1][c''@2]", "unclosed tag <c>"},
-              {"<a>x<!--->->", "a'x'", "unclosed <!--"},
-              {"<a><![CDATA[x]]</a>", "a''", "unclosed <![CDATA["},
-              {"<!DOCTYPE a", "none", "unclosed <!DOCTYPE"},
-              {"<!DOCTYPE a [\0]><a/>"sv, "none", "unclosed <!DOCTYPE"},
-              {"<!DOCTYPE a [ ] <a/>", "none", "unclosed <!DOCTYPE"},
-              {"<?a>", "none", "unclosed <?"},
-              {"<a><0a></a>", "a''", "unexpected <"},
-              {"<a><!ELEMENT/></a>", "a''", "unexpected <"}});
+  expectEach({
+      {"", "none", "root tag missing"},
+      {"x\0\n<"sv, "none", "root tag missing"},
+      {"<a></a?>", "a''", "unexpected closing tag </a?>"},
+      {"<a></b>0123456789abcdef", "a''", "unexpected closing tag </b>"},
+      {"<abcdefghi></abcd_fghi> ", "abcdefghi''", "unexpected closing tag </abcd_fghi>"},
+      {"\xFE\xFF\0<\0a\0>\0<\0/\xD8\x3D\xDE\0"sv, "a''", "unexpected closing tag </😀>"},
+      {"<abc>x</", "abc'x'", "unexpected closing tag </>"},
+      {"<abc>x</abc", "abc'x'", "missing >"},
+      {"<a></a b>", "a''", "missing >"},
+      {"<a><b/ ></a>", "a''", "missing >"},
+      {"<a><b c=\"1'></b></a>", "a''", "missing \""},
+      {"</a>", "none", "markup outside of root element"},
+      {"<a/><b/>", "a''", "markup outside of root element"},
+      {"<a/> t", "a''", "markup outside of root element"},
+      {"<a>x<b>1</b >y<c>z", "a'xy'[b'1'@1][c''@2]", "unclosed tag <c>"},
+      {"<a>x<!--->->", "a'x'", "unclosed <!--"},
+      {"<a><![CDATA[x]]</a>", "a''", "unclosed <![CDATA["},
+      {"<!DOCTYPE a", "none", "unclosed <!DOCTYPE"},
+      {"<!DOCTYPE a [\0]><a/>"sv, "none", "unclosed <!DOCTYPE"},
+      {"<?a>", "none", "unclosed <?"},
+      {"<a><0a></a>", "a''", "unexpected <"},
+      {"<a><!ELEMENT/></a>", "a''", "unexpected <"},
+  });
 }
 
 // Every kind of decoding and cutting that moves line feeds stands before the error.
 TEST(Errors, CountTheInputsOwnLineFeedsAndAreCut) {
   const std::string name(300, 'n');
   const std::string unexpected = "unexpected closing tag </";
-  expectEach(
-      {{"<?p\n\n q?>\r\n<a\nb\n=\n'1\r\n\t2'>3\r\n&#10;4\r5<![CDATA[\n]]>\n<!--\n\n-->\n</b>",
-        "a(b=1  2)'3\n\n4\n5\n\n\n'", unexpected + "b>", 14},
-       {"<!DOCTYPE a [<!ENTITY e '\r'>]><a><c>&#10;</c><c>\r&#65;</c><c>&amp;\n</c>&e;</b>",
-        "a'\n'[c'\n'@0][c'\nA'@0][c'&\n'@0]", unexpected + "b>", 2},
-       {"<a>\n<b c='\n>\n", "a'\n'", "missing '", 2},
-       {"\n<!DOCTYPE a [\n<!ENTITY b 'x\ny'>\n<!ATTLIST\n c>\n<!ATTLIST d e>]>", "none",
-        "malformed <!ATTLIST", 7},
-       {"<a></" + name + ">", "a''", unexpected + name.substr(0, 127 - 46)}});
+  expectEach({
+      {"<?p\n\n q?>\r\n<a\nb\n=\n'1\r\n\t2'>3\r\n&#10;4\r5<![CDATA[\n]]>\n<!--\n\n-->\n</b>",
+       "a(b=1  2)'3\n\n4\n5\n\n\n'", unexpected + "b>", 14},
+      {"<!DOCTYPE a [<!ENTITY e '\r'>]><a><c>&#10;</c><c>\r&#65;</c><c>&amp;\n</c>&e;</b>",
+       "a'\n'[c'\n'@0][c'\nA'@0][c'&\n'@0]", unexpected + "b>", 2},
+      {"<a>\n<b c='\n>\n", "a'\n'", "missing '", 2},
+      {"\n<!DOCTYPE a [\n<!ENTITY b 'x\ny'>\n<!ATTLIST\n c>\n<!ATTLIST d e>]>", "none",
+       "malformed <!ATTLIST", 7},
+      {"<a></" + name + ">", "a''", unexpected + name.substr(0, 127 - 46)},
+  });
 }
 
 TEST(Prefixes, OfEveryLengthAreSafe) {
@@ -107,7 +107,8 @@ TEST(Utf16, OfBothByteOrders) {
             "a'\xF0\x9F\x98\x81\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD\xEF\xBF\xBDx\xEF\xBF\xBD'"},
            {u"<a/>\xD83D", "a''"},
            {u"<\u00E9>" + std::u16string(99999, u'\u20AC') + u"</\u00E9>",
-            "\xC3\xA9'" + numbered(99999, "\u20AC") + "'"}}) {
+            "\xC3\xA9'" + numbered(99999, "\u20AC") + "'"},
+       }) {
     for (const bool highFirst : {true, false}) {
       std::string bytes;
       for (const char16_t unit : u"\uFEFF" + text) {
