@@ -23,10 +23,11 @@ Ctrl-C is the power switch."""
 
 def follow(unit):
     """Tells of resets until the unit ends."""
+    unit.monitor.ask("query-status")  # which also takes in what has happened
     seen = unit.monitor.resets
     while unit.process.poll() is None:
         time.sleep(0.2)
-        unit.monitor.ask("query-status")  # which also takes in what has happened
+        unit.monitor.ask("query-status")
         if unit.monitor.resets > seen:
             seen = unit.monitor.resets
             print("The unit starts again.", flush=True)
