@@ -22,7 +22,7 @@ std::string limit(const std::string& words, const std::string& file) {
 
 }  // namespace
 
-TEST_F(Unit, Command26Scheduling) {
+TEST_F(Unit, Commands26And27Scheduling) {
   const std::string set = "cmd_id=26&action=1&algo_mode=";
   checkWithoutValues({{"cmd_id=26", "error"}, {set + "1", "0"}});
   check({{"cmd_id=26", "{algo_mode:\"m\"}"},

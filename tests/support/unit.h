@@ -17,7 +17,7 @@ struct Request {
 };
 
 Request get(const std::string& query);
-// A form, and an upload to a URL with a query string; `length` is announced for the body's own.
+// A form, and an upload to a URL with a query string; `length` is announced if it is not empty.
 Request post(const std::string& body, const std::string& length = "");
 Request upload(const std::string& query, const std::string& body, const std::string& length = "");
 
