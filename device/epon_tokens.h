@@ -13,8 +13,8 @@ enum class TokenIndex { kPerFile, kPerLine };
 // at `tokens`, which must be empty, take one token each; those beyond are dropped.
 //
 // With kPerLine the n-th token of every line is added to text n. With kPerFile the texts fill in
-// the order of the file, and a line whose sixth character is not a blank goes on with the last
-// token of the line before.
+// the order of the file, and a line goes on with the last token of the line before where no blank
+// parts the two.
 void splitTokens(std::string_view text, TokenIndex indexing, std::string* tokens,
                  std::size_t count);
 

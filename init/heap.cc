@@ -1,8 +1,8 @@
 // malloc and its kin for programs that live a few milliseconds and have one thread: the executables
 // of a unit are linked with this instead of the C library's heap, which prepares for long lives and
-// many threads. On the unit, kernel included, cmd_id=8 takes 273,000 instructions and 7 page faults
-// with it, 358,000 and 13 without, cmd_id=2 390,000 and 10 instead of 535,000 and 19; the
-// executable is 6 KiB smaller (script/bench machine).
+// many threads. On the unit, kernel included, cmd_id=8 takes 307,000 instructions and 6 page faults
+// with it, 368,000 and 11 without, cmd_id=2 411,000 and 9 instead of 554,000 and 19 (script/bench
+// machine); the executable is 5 KiB smaller.
 //
 // Blocks lie one after another, first in a static area, which takes no memory until it is touched,
 // then in areas of the kernel's. A freed block is used again once all later ones are freed as well:

@@ -39,8 +39,8 @@ struct ListedText {
 };
 
 // Memory of a document that is released with it, from blocks. With an allocation for each element,
-// array and text, 23 KiB of settings take 21.5 instructions a byte to parse and free on the unit
-// instead of 13.1, and the main file of 3.2 KiB 14.0 instead of 10.5 (script/bench machine).
+// array and text, 20 KiB of settings take 14.8 instructions a byte to parse on the unit instead of
+// 12.9, and the main file of 3.2 KiB 13.9 instead of 12.0 (script/bench machine).
 class Arena {
  public:
   Arena() = default;

@@ -10,9 +10,10 @@ namespace onu::xml::internal {
 
 // Names with the order they were added in. They are not copied and must outlive the table. Constant
 // time whatever the names are: they are hashed with keys that nobody outside the process knows, so
-// that no file can be made whose names collide. A settings file hardly needs it, but 97 KiB of
-// children that all have names of their own take 19 instructions a byte to parse on the unit
-// instead of 2,900, and the rest of a hostile file likewise (script/bench machine, other_names).
+// that no file can be made whose names collide. A settings file hardly needs it, but children that
+// all have names of their own take 19 instructions a byte to parse on the unit however many they
+// are (script/bench machine, other_names), where 97 KiB of them took 2,900 without it, and the rest
+// of a hostile file likewise.
 class NameTable {
  public:
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
