@@ -95,7 +95,8 @@ XmlRoot* parseFd(int fd) {
     status.st_size = 0;
   }
   const auto size = static_cast<std::size_t>(status.st_size);
-  auto* const buffer = static_cast<char*>(std::malloc(size + 1));  // no length is not no memory
+  // A byte more, since an allocation of none may look like a failed one.
+  auto* const buffer = static_cast<char*>(std::malloc(size + 1));
   const ssize_t length = buffer == nullptr ? 0 : read(fd, buffer, size);
   return parseOwned(buffer, length < 0 ? 0 : static_cast<std::size_t>(length));
 }

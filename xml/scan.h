@@ -1,7 +1,7 @@
 // What each byte ends or begins, told by one look into a table: four instructions a byte, loop
 // included, on the unit's processor, which has no vector instructions. Where it was done with those
-// of a PC and a byte at a time elsewhere, 20 KiB of settings took 1.9 times the instructions to
-// parse on the unit, and 1.6 times to write; they now take 12.9 and 12.2 a byte (script/bench
+// of a PC and a byte at a time elsewhere, 23 KiB of settings took 1.9 times the instructions to
+// parse on the unit, and 1.6 times to write; 20 KiB now take 12.9 and 12.2 a byte (script/bench
 // machine, settings_20k).
 #pragma once
 

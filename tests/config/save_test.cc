@@ -99,9 +99,9 @@ TEST_F(Saves, MakeADocumentOfATruncatedFile) {
   const std::string path = kSettings;
   int rewritten = 0;
   for (std::size_t size = 0; size < before_.size(); size += 37) {
-    writeFile(kSettings, before_.substr(0, size));
+    writeFile(path, before_.substr(0, size));
     const std::string error = cgi(get("cmd_id=20&pwdold=user&pwdnew=n")).err;
-    const std::string after = readFile(kSettings);
+    const std::string after = readFile(path);
     const bool isKept = after == before_.substr(0, size);
     rewritten += isKept ? 0 : 1;
     EXPECT_TRUE(isKept || after.rfind("</tevo>") == after.size() - 7) << size;
@@ -109,7 +109,7 @@ TEST_F(Saves, MakeADocumentOfATruncatedFile) {
     EXPECT_EQ(error.find("is rewritten") == std::string::npos, isKept) << error;
   }
   EXPECT_GT(rewritten, 10);
-  fs::remove(kSettings);
+  fs::remove(path);
   EXPECT_EQ(cgi(get("cmd_id=6")).err,
             "onu-cgi: command 6: cannot read " + path + ": No such file or directory\n");
 }

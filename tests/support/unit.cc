@@ -211,11 +211,8 @@ void Unit::check(const std::vector<Case>& cases, const Files& other) {
     EXPECT_EQ(written([&] { outcome = cgi(get(c.query)); }), c.written) << label;
     const bool isBody = !c.reply.empty() && c.reply.find("HTTP/") == std::string::npos;
     EXPECT_EQ(brief(outcome.out), brief(isBody ? json(c.reply) : c.reply)) << label;
-    std::string runs;
-    for (const std::string& text : outcome.scripts.empty() ? outcome.commands : outcome.scripts) {
-      runs += (runs.empty() ? "" : "|") + text;
-    }
-    EXPECT_EQ(brief(runs), brief(c.runs)) << label;
+    const Texts& runs = outcome.scripts.empty() ? outcome.commands : outcome.scripts;
+    EXPECT_EQ(runs, split(c.runs, '|')) << label;
     const Texts changes = split(c.changes, '|');
     for (std::size_t i = 0; i + 1 < changes.size(); i += 2) {
       bool found = false;
